@@ -1,0 +1,29 @@
+# Usage requirements shared by every target of the project: language level, warnings and the
+# sanitizer or fuzzing instrumentation chosen at configure time.
+
+add_library(pallix_build_flags INTERFACE)
+add_library(pallix::build_flags ALIAS pallix_build_flags)
+
+target_compile_features(pallix_build_flags INTERFACE cxx_std_17)
+target_compile_options(pallix_build_flags INTERFACE
+    $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall -Wextra -Wpedantic>)
+
+if(PALLIX_SANITIZE)
+    set(_pallix_sanitize_flags -fsanitize=${PALLIX_SANITIZE} -fno-omit-frame-pointer)
+    if(PALLIX_SANITIZE MATCHES "undefined")
+        list(APPEND _pallix_sanitize_flags -fno-sanitize-recover=undefined)
+    endif()
+    target_compile_options(pallix_build_flags INTERFACE ${_pallix_sanitize_flags})
+    target_link_options(pallix_build_flags INTERFACE ${_pallix_sanitize_flags})
+endif()
+
+if(PALLIX_FUZZ_ENGINE)
+    # Coverage instrumentation for the library; the harnesses add the engine's main.
+    target_compile_options(pallix_build_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+# pallix_target_defaults(<target>): applies the shared flags to a target of this project.
+function(pallix_target_defaults target)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:pallix::build_flags>)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+endfunction()

@@ -1,0 +1,5 @@
+#include "PRuntimeCloud.h"
+
+PRuntimeCloud::PRuntimeCloud() noexcept = default;
+
+PRuntimeCloud::~PRuntimeCloud() = default;

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "NString.h"
+
+#include <pugixml.hpp>
+
+namespace pallix {
+
+// Every XML file of the library is read and written through these two functions, so that all
+// of them share one encoding, one indentation and one crash-safe way of replacing a file.
+class XmlFile {
+public:
+    // Loads the file with the parser's default options, reading it as UTF-8.
+    static pugi::xml_parse_result load(pugi::xml_document& document, const NString& path);
+
+    // Serialises the document with a tab per level and indented formatting only, in UTF-8, and
+    // replaces the file atomically. The document carries its own declaration node.
+    static bool save(const pugi::xml_document& document, const NString& path);
+
+    // Adds the declaration node in front of everything else in the document. With
+    // `standalone` set it also carries standalone="no".
+    static void prependDeclaration(pugi::xml_document& document, const char* encoding,
+                                   bool standalone);
+};
+
+} // namespace pallix

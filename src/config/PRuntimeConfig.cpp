@@ -1,0 +1,5 @@
+#include "PRuntimeConfig.h"
+
+PRuntimeConfig::PRuntimeConfig() noexcept = default;
+
+PRuntimeConfig::~PRuntimeConfig() = default;

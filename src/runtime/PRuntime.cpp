@@ -1,0 +1,135 @@
+#include "PRuntime.h"
+
+#include "PRuntimeAnimation.h"
+#include "PRuntimeCloud.h"
+#include "PRuntimeConfig.h"
+#include "PRuntimeCpid.h"
+#include "PRuntimeCrashCode.h"
+#include "PRuntimeFactory.h"
+#include "PRuntimeLocation.h"
+#include "PRuntimeNotify.h"
+#include "PRuntimePicture.h"
+#include "PRuntimePluginMapping.h"
+#include "PRuntimePortbind.h"
+#include "PRuntimeRestore.h"
+#include "PRuntimeShell.h"
+#include "PRuntimeString.h"
+#include "PRuntimeValue.h"
+#include "PRuntimeWindow.h"
+
+#include <new>
+
+namespace {
+
+// The lazy-creation pattern of every accessor: construct only when the non-throwing allocation
+// succeeded, and leave the slot empty on failure so that the next call tries again.
+template <typename Component>
+Component* obtain(Component*& slot) noexcept {
+    if (slot == nullptr) {
+        slot = new (std::nothrow) Component();
+    }
+    return slot;
+}
+
+} // namespace
+
+PRuntime* PRuntime::_globalFrameworkRuntime = nullptr;
+
+PRuntime::PRuntime() noexcept = default;
+
+PRuntime::~PRuntime() {
+    delete m_value;
+    delete m_portbind;
+    delete m_location;
+    delete m_shell;
+    delete m_string;
+    delete m_picture;
+    delete m_animation;
+    delete m_window;
+    delete m_cloud;
+    delete m_config;
+    delete m_cpid;
+    delete m_crashCode;
+    delete m_restore;
+    delete m_factory;
+    delete m_notify;
+    delete m_pluginMapping;
+}
+
+PRuntime* PRuntime::getInstance() noexcept {
+    if (_globalFrameworkRuntime == nullptr) {
+        _globalFrameworkRuntime = new (std::nothrow) PRuntime();
+    }
+    return _globalFrameworkRuntime;
+}
+
+void PRuntime::freeInstance() noexcept {
+    if (_globalFrameworkRuntime != nullptr) {
+        delete _globalFrameworkRuntime;
+        _globalFrameworkRuntime = nullptr;
+    }
+}
+
+PRuntimeValue* PRuntime::value() noexcept {
+    return obtain(m_value);
+}
+
+PRuntimePortbind* PRuntime::portbind() noexcept {
+    return obtain(m_portbind);
+}
+
+PRuntimeLocation* PRuntime::location() noexcept {
+    return obtain(m_location);
+}
+
+PRuntimeShell* PRuntime::shell() noexcept {
+    return obtain(m_shell);
+}
+
+PRuntimeString* PRuntime::string() noexcept {
+    return obtain(m_string);
+}
+
+PRuntimePicture* PRuntime::picture() noexcept {
+    return obtain(m_picture);
+}
+
+PRuntimeAnimation* PRuntime::animation() noexcept {
+    return obtain(m_animation);
+}
+
+PRuntimeWindow* PRuntime::window() noexcept {
+    return obtain(m_window);
+}
+
+PRuntimeCloud* PRuntime::cloud() noexcept {
+    return obtain(m_cloud);
+}
+
+PRuntimeConfig* PRuntime::config() noexcept {
+    return obtain(m_config);
+}
+
+PRuntimeCpid* PRuntime::cpid() noexcept {
+    return obtain(m_cpid);
+}
+
+PRuntimeCrashCode* PRuntime::crashCode() noexcept {
+    return obtain(m_crashCode);
+}
+
+PRuntimeRestore* PRuntime::restore() noexcept {
+    return obtain(m_restore);
+}
+
+PRuntimeFactory* PRuntime::factory() noexcept {
+    return obtain(m_factory);
+}
+
+PRuntimeNotify* PRuntime::notify() noexcept {
+    return obtain(m_notify);
+}
+
+PRuntimePluginMapping* PRuntime::pluginMapping() noexcept {
+    return obtain(m_pluginMapping);
+}

@@ -1,0 +1,5 @@
+#include "PRuntimeFactory.h"
+
+PRuntimeFactory::PRuntimeFactory() noexcept = default;
+
+PRuntimeFactory::~PRuntimeFactory() = default;

@@ -1,0 +1,5 @@
+#include "PRuntimeNotify.h"
+
+PRuntimeNotify::PRuntimeNotify() noexcept = default;
+
+PRuntimeNotify::~PRuntimeNotify() = default;

@@ -1,0 +1,5 @@
+#include "PRuntimePortbind.h"
+
+PRuntimePortbind::PRuntimePortbind() noexcept = default;
+
+PRuntimePortbind::~PRuntimePortbind() = default;

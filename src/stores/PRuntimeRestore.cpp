@@ -1,0 +1,5 @@
+#include "PRuntimeRestore.h"
+
+PRuntimeRestore::PRuntimeRestore() noexcept = default;
+
+PRuntimeRestore::~PRuntimeRestore() = default;

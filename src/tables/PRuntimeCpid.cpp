@@ -1,0 +1,5 @@
+#include "PRuntimeCpid.h"
+
+PRuntimeCpid::PRuntimeCpid() noexcept = default;
+
+PRuntimeCpid::~PRuntimeCpid() = default;

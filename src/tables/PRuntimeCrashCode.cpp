@@ -1,0 +1,5 @@
+#include "PRuntimeCrashCode.h"
+
+PRuntimeCrashCode::PRuntimeCrashCode() noexcept = default;
+
+PRuntimeCrashCode::~PRuntimeCrashCode() = default;

@@ -1,0 +1,5 @@
+#include "PRuntimePluginMapping.h"
+
+PRuntimePluginMapping::PRuntimePluginMapping() noexcept = default;
+
+PRuntimePluginMapping::~PRuntimePluginMapping() = default;

@@ -1,0 +1,5 @@
+#include "PRuntimeRestoreError.h"
+
+PRuntimeRestoreError::PRuntimeRestoreError() noexcept = default;
+
+PRuntimeRestoreError::~PRuntimeRestoreError() = default;

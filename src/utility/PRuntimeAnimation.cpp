@@ -1,0 +1,5 @@
+#include "PRuntimeAnimation.h"
+
+PRuntimeAnimation::PRuntimeAnimation() noexcept = default;
+
+PRuntimeAnimation::~PRuntimeAnimation() = default;

@@ -1,0 +1,5 @@
+#include "PRuntimeLocation.h"
+
+PRuntimeLocation::PRuntimeLocation() noexcept = default;
+
+PRuntimeLocation::~PRuntimeLocation() = default;

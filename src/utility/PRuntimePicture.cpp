@@ -1,0 +1,5 @@
+#include "PRuntimePicture.h"
+
+PRuntimePicture::PRuntimePicture() noexcept = default;
+
+PRuntimePicture::~PRuntimePicture() = default;

@@ -1,0 +1,5 @@
+#include "PRuntimeShell.h"
+
+PRuntimeShell::PRuntimeShell() noexcept = default;
+
+PRuntimeShell::~PRuntimeShell() = default;

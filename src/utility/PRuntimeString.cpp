@@ -1,0 +1,5 @@
+#include "PRuntimeString.h"
+
+PRuntimeString::PRuntimeString() noexcept = default;
+
+PRuntimeString::~PRuntimeString() = default;

@@ -1,0 +1,5 @@
+#include "PRuntimeWindow.h"
+
+PRuntimeWindow::PRuntimeWindow() noexcept = default;
+
+PRuntimeWindow::~PRuntimeWindow() = default;
