@@ -20,9 +20,7 @@ public:
     friend bool operator==(const NByteArray& a, const NByteArray& b) noexcept {
         return a.m_bytes == b.m_bytes;
     }
-    friend bool operator!=(const NByteArray& a, const NByteArray& b) noexcept {
-        return !(a == b);
-    }
+    friend bool operator!=(const NByteArray& a, const NByteArray& b) noexcept { return !(a == b); }
 
 private:
     std::string m_bytes;

@@ -102,8 +102,8 @@ bool fromBytes(const path& p, const NByteArray& bytes) {
     struct stat existing {};
     const mode_t mode =
         ::stat(target.c_str(), &existing) == 0 ? (existing.st_mode & 07777) : newFileMode();
-    bool ok = ::fchmod(fd, mode) == 0 && writeAll(fd, bytes.data(), bytes.size()) &&
-              ::fsync(fd) == 0;
+    bool ok =
+        ::fchmod(fd, mode) == 0 && writeAll(fd, bytes.data(), bytes.size()) && ::fsync(fd) == 0;
     ok = (::close(fd) == 0) && ok;
     if (ok && std::rename(temporary.c_str(), target.c_str()) == 0) {
         // Make the rename itself durable.

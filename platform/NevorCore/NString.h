@@ -23,11 +23,21 @@ public:
 #endif
         ;
 
-    const char* data() const noexcept { return m_text.c_str(); }
-    std::size_t size() const noexcept { return m_text.size(); }
-    bool exist() const noexcept { return !m_text.empty(); }
-    bool empty() const noexcept { return m_text.empty(); }
-    const std::string& toStdString() const noexcept { return m_text; }
+    const char* data() const noexcept {
+        return m_text.c_str();
+    }
+    std::size_t size() const noexcept {
+        return m_text.size();
+    }
+    bool exist() const noexcept {
+        return !m_text.empty();
+    }
+    bool empty() const noexcept {
+        return m_text.empty();
+    }
+    const std::string& toStdString() const noexcept {
+        return m_text;
+    }
 
     bool startsWith(const NString& prefix, CaseSensitivity cs = CaseSensitive) const;
     bool endsWith(const NString& suffix, CaseSensitivity cs = CaseSensitive) const;
@@ -43,12 +53,18 @@ public:
     friend bool operator==(const NString& a, const NString& b) noexcept {
         return a.m_text == b.m_text;
     }
-    friend bool operator!=(const NString& a, const NString& b) noexcept { return !(a == b); }
+    friend bool operator!=(const NString& a, const NString& b) noexcept {
+        return !(a == b);
+    }
     friend bool operator<(const NString& a, const NString& b) noexcept {
         return a.m_text < b.m_text;
     }
-    friend bool operator==(const NString& a, const char* b) noexcept { return a.m_text == b; }
-    friend bool operator!=(const NString& a, const char* b) noexcept { return !(a == b); }
+    friend bool operator==(const NString& a, const char* b) noexcept {
+        return a.m_text == b;
+    }
+    friend bool operator!=(const NString& a, const char* b) noexcept {
+        return !(a == b);
+    }
 
     friend NString operator+(const NString& a, const NString& b);
     friend NString operator+(const NString& a, const char* b);

@@ -4,8 +4,7 @@
 
 namespace {
 
-template <typename Target, typename Value>
-Target numeric(const Value& value, Target defaultValue) {
+template <typename Target, typename Value> Target numeric(const Value& value, Target defaultValue) {
     return std::visit(
         [defaultValue](const auto& held) -> Target {
             using Held = std::decay_t<decltype(held)>;

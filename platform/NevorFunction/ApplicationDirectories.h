@@ -11,8 +11,7 @@ namespace nevor::function {
 // computed on each read so that it follows the environment (HOME and the like).
 class DirectorySetting {
 public:
-    template <typename Default>
-    NString get(Default computeDefault) const {
+    template <typename Default> NString get(Default computeDefault) const {
         {
             std::lock_guard<std::mutex> lock(m_mutex);
             if (m_value) {

@@ -63,7 +63,7 @@ std::optional<std::string> decodeBase64(const std::string& text) {
     std::string bytes;
     bytes.reserve(text.size() / 4 * 3);
     for (std::size_t i = 0; i < text.size(); i += 4) {
-        std::array<int, 4> v {};
+        std::array<int, 4> v{};
         int padding = 0;
         for (int k = 0; k < 4; ++k) {
             const char c = text[i + static_cast<std::size_t>(k)];
@@ -74,10 +74,9 @@ std::optional<std::string> decodeBase64(const std::string& text) {
                 return std::nullopt;
             }
         }
-        const unsigned int n = (static_cast<unsigned int>(v[0]) << 18) |
-                               (static_cast<unsigned int>(v[1]) << 12) |
-                               (static_cast<unsigned int>(v[2]) << 6) |
-                               static_cast<unsigned int>(v[3]);
+        const unsigned int n =
+            (static_cast<unsigned int>(v[0]) << 18) | (static_cast<unsigned int>(v[1]) << 12) |
+            (static_cast<unsigned int>(v[2]) << 6) | static_cast<unsigned int>(v[3]);
         bytes += static_cast<char>((n >> 16) & 0xFF);
         if (padding < 2) {
             bytes += static_cast<char>((n >> 8) & 0xFF);

@@ -23,8 +23,7 @@ namespace {
 
 // The lazy-creation pattern of every accessor: construct only when the non-throwing allocation
 // succeeded, and leave the slot empty on failure so that the next call tries again.
-template <typename Component>
-Component* obtain(Component*& slot) noexcept {
+template <typename Component> Component* obtain(Component*& slot) noexcept {
     if (slot == nullptr) {
         slot = new (std::nothrow) Component();
     }

@@ -50,7 +50,8 @@ __attribute__((visibility("default"))) void* operator new(std::size_t size) {
     return pointer;
 }
 
-__attribute__((visibility("default"))) void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+__attribute__((visibility("default"))) void* operator new(std::size_t size,
+                                                          const std::nothrow_t&) noexcept {
     ++g_nothrowCount;
     if (g_failNothrow > 0) {
         --g_failNothrow;

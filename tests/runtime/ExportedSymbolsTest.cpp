@@ -67,9 +67,10 @@ TEST(ExportedSymbols, RootAndLoadFunctionsAreExported) {
     const std::vector<std::string> symbols = definedDynamicSymbols();
     const std::set<std::string> present(symbols.begin(), symbols.end());
     for (const char* expected :
-         {"PRuntime::getInstance()", "PRuntime::freeInstance()", "PRuntime::_globalFrameworkRuntime",
-          "vtable for PRuntime", "_Pallix_Runtime_Dynamic_Library_Init()",
-          "_Pallix_Runtime_Dynamic_Library_Fini()", "vtable for PRuntimeValue"}) {
+         {"PRuntime::getInstance()", "PRuntime::freeInstance()",
+          "PRuntime::_globalFrameworkRuntime", "vtable for PRuntime",
+          "_Pallix_Runtime_Dynamic_Library_Init()", "_Pallix_Runtime_Dynamic_Library_Fini()",
+          "vtable for PRuntimeValue"}) {
         EXPECT_TRUE(present.count(expected)) << "missing exported symbol: " << expected;
     }
 }

@@ -19,10 +19,10 @@ protected:
 
 // The sixteen components in slot order, as the root hands them out.
 std::vector<const void*> allComponents(PRuntime* root) {
-    return {root->value(),   root->portbind(),  root->location(), root->shell(),
-            root->string(),  root->picture(),   root->animation(), root->window(),
-            root->cloud(),   root->config(),    root->cpid(),     root->crashCode(),
-            root->restore(), root->factory(),   root->notify(),   root->pluginMapping()};
+    return {root->value(),   root->portbind(), root->location(),  root->shell(),
+            root->string(),  root->picture(),  root->animation(), root->window(),
+            root->cloud(),   root->config(),   root->cpid(),      root->crashCode(),
+            root->restore(), root->factory(),  root->notify(),    root->pluginMapping()};
 }
 
 } // namespace

@@ -20,7 +20,7 @@ ToolResult runProgram(const std::string& program, const std::vector<std::string>
     const std::string outPath = capture.file("stdout");
     const std::string errPath = capture.file("stderr");
 
-    std::vector<std::string> argv {program};
+    std::vector<std::string> argv{program};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
     std::vector<char*> argPointers;
     for (auto& argument : argv) {

@@ -6,9 +6,9 @@
 namespace pallix::test {
 
 struct ToolResult {
-    int status = -1;     // exit status; -1 when the tool did not exit normally
-    std::string output;  // standard output
-    std::string errors;  // standard error
+    int status = -1;    // exit status; -1 when the tool did not exit normally
+    std::string output; // standard output
+    std::string errors; // standard error
 };
 
 // Runs the built pallix tool with the arguments (no shell involved) and collects its output.

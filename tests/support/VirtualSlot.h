@@ -12,8 +12,7 @@ namespace pallix::test {
 // Under the Itanium C++ ABI a pointer to a virtual member function holds 1 + the byte offset
 // of its entry in the virtual table, so the slot is that offset / pointer size + 1. A
 // non-virtual member gives 0.
-template <typename Member>
-std::size_t virtualSlot(Member member) {
+template <typename Member> std::size_t virtualSlot(Member member) {
     static_assert(std::is_member_function_pointer_v<Member>);
     static_assert(sizeof(Member) == 2 * sizeof(std::ptrdiff_t), "Itanium ABI expected");
     std::ptrdiff_t raw = 0;

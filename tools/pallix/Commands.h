@@ -12,5 +12,7 @@ void registerCloudCommands(CLI::App& app);
 void registerTableCommands(CLI::App& app);
 void registerStoreCommands(CLI::App& app);
 void registerUtilityCommands(CLI::App& app);
+void registerCheckCommands(CLI::App& app);
+void registerDemoCommands(CLI::App& app);
 
 } // namespace pallix::tool

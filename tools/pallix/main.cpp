@@ -7,7 +7,7 @@
 #include <iostream>
 
 int main(int argc, char** argv) {
-    CLI::App app {"pallix: inspect and exercise the Pallix runtime library", "pallix"};
+    CLI::App app{"pallix: inspect and exercise the Pallix runtime library", "pallix"};
     app.set_version_flag("--version", std::string("pallix ") + PALLIX_VERSION);
     app.require_subcommand(0, 1);
 
@@ -17,6 +17,8 @@ int main(int argc, char** argv) {
     pallix::tool::registerTableCommands(app);
     pallix::tool::registerStoreCommands(app);
     pallix::tool::registerUtilityCommands(app);
+    pallix::tool::registerCheckCommands(app);
+    pallix::tool::registerDemoCommands(app);
 
     try {
         app.parse(argc, argv);
