@@ -11,6 +11,7 @@ void registerConfigCommands(CLI::App& app);
 void registerCloudCommands(CLI::App& app);
 void registerTableCommands(CLI::App& app);
 void registerStoreCommands(CLI::App& app);
+void registerRestoreCommands(CLI::App& app);
 void registerUtilityCommands(CLI::App& app);
 void registerCheckCommands(CLI::App& app);
 void registerDemoCommands(CLI::App& app);

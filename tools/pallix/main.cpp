@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
     pallix::tool::registerCloudCommands(app);
     pallix::tool::registerTableCommands(app);
     pallix::tool::registerStoreCommands(app);
+    pallix::tool::registerRestoreCommands(app);
     pallix::tool::registerUtilityCommands(app);
     pallix::tool::registerCheckCommands(app);
     pallix::tool::registerDemoCommands(app);
