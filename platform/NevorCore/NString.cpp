@@ -67,7 +67,9 @@ NString& NString::operator+=(const char* other) {
 }
 
 NString operator+(const NString& a, const NString& b) {
-    return NString(a.m_text + b.m_text);
+    NString result(a);
+    result += b;
+    return result;
 }
 
 NString operator+(const NString& a, const char* b) {

@@ -66,10 +66,12 @@ public:
         return !(a == b);
     }
 
-    friend NString operator+(const NString& a, const NString& b);
-    friend NString operator+(const NString& a, const char* b);
-    friend NString operator+(const char* a, const NString& b);
-
 private:
     std::string m_text;
 };
+
+// Declared outside the class so that they carry the library's export attribute; friend
+// declarations alone would leave them hidden.
+NEVORCORE_EXPORT NString operator+(const NString& a, const NString& b);
+NEVORCORE_EXPORT NString operator+(const NString& a, const char* b);
+NEVORCORE_EXPORT NString operator+(const char* a, const NString& b);
