@@ -32,8 +32,11 @@ bool PRuntimeInfoCrash::isMatch(const NString& key) const noexcept {
         return false;
     }
     try {
-        return m_key.contains(key, NString::CaseInsensitive) ||
-               key.contains(m_key, NString::CaseInsensitive);
+        // The same test as the string's case-insensitive containment, both ways, with each
+        // text folded once instead of once per direction.
+        const NString row = m_key.foldCase();
+        const NString query = key.foldCase();
+        return row.contains(query) || query.contains(row);
     } catch (const std::bad_alloc&) {
         // Folding the case needs copies of both texts; without memory nothing can be said.
         return false;
