@@ -169,6 +169,11 @@ TEST_F(CrashTable, FormatOnAnEmptyFileEmptiesTheTableAndReturnsFalse) {
     EXPECT_TRUE(keys(table).empty());
 }
 
+TEST_F(CrashTable, FormatOnADirectoryEmptiesTheTableAndReturnsFalse) {
+    EXPECT_FALSE(table.format(PALLIX_TEST_DATA_DIR));
+    EXPECT_TRUE(keys(table).empty());
+}
+
 TEST_F(CrashTable, FormatWithoutTheRootReturnsTrueAndLeavesTheTableEmpty) {
     EXPECT_TRUE(table.format(tableData("crash-wrong-root.xml").c_str()));
     EXPECT_TRUE(keys(table).empty());

@@ -129,6 +129,11 @@ TEST_F(MappingTable, FormatOnAnEmptyFileEmptiesTheTableAndReturnsFalse) {
     EXPECT_EQ(mapped(table, "16.4.1"), "<none>");
 }
 
+TEST_F(MappingTable, FormatOnADirectoryEmptiesTheTableAndReturnsFalse) {
+    EXPECT_FALSE(table.format(PALLIX_TEST_DATA_DIR));
+    EXPECT_EQ(mapped(table, "16.4.1"), "<none>");
+}
+
 TEST_F(MappingTable, FormatWithoutTheRootReturnsTrueAndLeavesTheTableEmpty) {
     EXPECT_TRUE(table.format(tableData("mapping-wrong-root.xml").c_str()));
     EXPECT_EQ(mapped(table, "16.4.1"), "<none>");

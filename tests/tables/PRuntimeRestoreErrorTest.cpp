@@ -129,6 +129,11 @@ TEST_F(RestoreErrorTable, FormatOnAnEmptyFileEmptiesTheTableAndReturnsFalse) {
     EXPECT_TRUE(found(table, -1).empty());
 }
 
+TEST_F(RestoreErrorTable, FormatOnADirectoryEmptiesTheTableAndReturnsFalse) {
+    EXPECT_FALSE(table.format(PALLIX_TEST_DATA_DIR));
+    EXPECT_TRUE(found(table, -1).empty());
+}
+
 TEST_F(RestoreErrorTable, FormatWithoutTheRootReturnsTrueAndLeavesTheTableEmpty) {
     EXPECT_TRUE(table.format(tableData("restore-wrong-root.xml").c_str()));
     EXPECT_TRUE(found(table, -1).empty());

@@ -110,6 +110,12 @@ bool usableTable(const std::string& path, const char* rootName) {
     return true;
 }
 
+// The root's component, or null when the root itself could not be created.
+template <typename Component> Component* component(Component* (PRuntime::*accessor)() noexcept) {
+    PRuntime* root = PRuntime::getInstance();
+    return root != nullptr ? (root->*accessor)() : nullptr;
+}
+
 void notLoaded(const std::string& path) {
     reportError(path + ": the table could not be loaded");
     exitStatus() = 2;
@@ -149,7 +155,7 @@ void runCpid(const CpidArguments& arguments) {
     if (!usableTable(arguments.table, "DEVICE")) {
         return;
     }
-    PRuntimeCpid* table = PRuntime::getInstance()->cpid();
+    PRuntimeCpid* table = component(&PRuntime::cpid);
     if (table == nullptr || !table->format(arguments.table.c_str())) {
         notLoaded(arguments.table);
         return;
@@ -178,7 +184,7 @@ void runCrash(const TextArguments& arguments) {
     if (!usableTable(arguments.table, "CRASH")) {
         return;
     }
-    PRuntimeCrashCode* table = PRuntime::getInstance()->crashCode();
+    PRuntimeCrashCode* table = component(&PRuntime::crashCode);
     if (table == nullptr || !table->format(arguments.table.c_str())) {
         notLoaded(arguments.table);
         return;
@@ -226,7 +232,7 @@ void runMapping(const TextArguments& arguments) {
     if (!usableTable(arguments.table, "Nevor")) {
         return;
     }
-    PRuntimePluginMapping* table = PRuntime::getInstance()->pluginMapping();
+    PRuntimePluginMapping* table = component(&PRuntime::pluginMapping);
     if (table == nullptr || !table->format(arguments.table.c_str())) {
         notLoaded(arguments.table);
         return;
