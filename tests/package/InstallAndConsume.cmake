@@ -1,4 +1,9 @@
-# Script mode: BUILD_DIR, CONSUMER_DIR, WORK_DIR, CXX_COMPILER, GENERATOR.
+# Script mode: BUILD_DIR, CONSUMER_DIR, WORK_DIR, CXX_COMPILER, GENERATOR, SANITIZE.
+# A sanitizer build's libraries need the same runtime in the consumers.
+set(consumer_flags "")
+if(SANITIZE)
+    set(consumer_flags "-fsanitize=${SANITIZE}")
+endif()
 file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 
@@ -43,7 +48,8 @@ endif()
 
 # Consumer 1: the CMake package.
 run_step("configure the CMake consumer" ${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/cmake
-    -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DCMAKE_PREFIX_PATH=${prefix})
+    -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DCMAKE_PREFIX_PATH=${prefix}
+    "-DCMAKE_CXX_FLAGS=${consumer_flags}")
 run_step("build the CMake consumer" ${CMAKE_COMMAND} --build ${WORK_DIR}/cmake)
 run_step("run the CMake consumer" ${WORK_DIR}/cmake/consumer)
 if(NOT step_output MATCHES "consumer: root ready")
@@ -60,7 +66,7 @@ string(STRIP "${step_output}" flags)
 separate_arguments(flags UNIX_COMMAND "${flags}")
 file(GLOB_RECURSE library ${prefix}/*libPallixRuntime.so)
 get_filename_component(libdir ${library} DIRECTORY)
-run_step("build the pkg-config consumer" ${CXX_COMPILER} -std=c++17 -fPIC
+run_step("build the pkg-config consumer" ${CXX_COMPILER} -std=c++17 -fPIC ${consumer_flags}
     ${CONSUMER_DIR}/main.cpp -o ${WORK_DIR}/pkgconfig-consumer ${flags}
     -Wl,-rpath,${libdir})
 run_step("run the pkg-config consumer" ${WORK_DIR}/pkgconfig-consumer)
