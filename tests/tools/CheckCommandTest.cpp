@@ -108,6 +108,8 @@ INSTANTIATE_TEST_SUITE_P(
         BrokenFile{"portbind-duplicate-source.xml", "", "5:9", "warning", "bound again", 1},
         BrokenFile{"ipsw-duplicate-url.xml", "", "4:10", "warning", "listed again", 1},
         BrokenFile{"factory-not-hexadecimal.json", "", "3:3", "error", "it is dropped", 2},
+        BrokenFile{"version-no-control.xml", "", "2:1", "error", "falls back to \"5.0.0\"", 2},
+        BrokenFile{"version-empty.xml", "", "4:3", "error", "the running version is empty", 2},
         BrokenFile{"factory-lower-case.json", "", "3:3", "warning", "renamed", 1},
         BrokenFile{"factory-malformed.json", "", "3:40", "error", "not well-formed JSON", 2}));
 

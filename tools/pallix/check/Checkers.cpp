@@ -28,6 +28,8 @@ void checkFile(SourceFile& file, FileKind kind) {
         return checkFactory(file);
     case FileKind::Ipsw:
         return checkIpsw(file);
+    case FileKind::Version:
+        return checkVersion(file);
     }
 }
 

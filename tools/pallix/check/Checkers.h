@@ -21,5 +21,6 @@ void checkNotify(SourceFile& file);
 void checkPortbind(SourceFile& file);
 void checkIpsw(SourceFile& file);
 void checkFactory(SourceFile& file);
+void checkVersion(SourceFile& file);
 
 } // namespace pallix::check

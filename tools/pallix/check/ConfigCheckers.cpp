@@ -180,4 +180,29 @@ void checkLegacyConfig(SourceFile& file) {
                               "LastLanguage"});
 }
 
+// The resources' version file: the running version decides whether the application was just
+// updated, so a file that yields no version makes every start look like an update.
+void checkVersion(SourceFile& file) {
+    pugi::xml_document document;
+    if (!parseXml(file, document)) {
+        return;
+    }
+    const pugi::xml_node root = requireRoot(file, document, "root");
+    if (!root) {
+        return;
+    }
+    const pugi::xml_node control = root.child("Control");
+    if (!control) {
+        file.error(file.offsetOf(root),
+                   "no \"Control\" element: the running version falls back to \"5.0.0\"");
+        return;
+    }
+    const pugi::xml_node version = control.child("Version");
+    const std::string value = version.attribute("VALUE").value();
+    if (value.empty()) {
+        file.error(file.offsetOf(version ? version : control),
+                   "no \"Version\" element with a VALUE: the running version is empty");
+    }
+}
+
 } // namespace pallix::check

@@ -45,7 +45,7 @@ std::optional<FileKind> detectNevorKind(const pugi::xml_node& root) {
 const std::vector<std::string>& fileKindNames() {
     static const std::vector<std::string> names = {
         "cloud",         "cpid",   "crash",    "restore-error", "mapping", "config",
-        "legacy-config", "notify", "portbind", "factory",       "ipsw"};
+        "legacy-config", "notify", "portbind", "factory",       "ipsw",    "version"};
     return names;
 }
 
@@ -82,6 +82,8 @@ std::optional<FileKind> detectFileKind(SourceFile& file) {
         kind = FileKind::Crash;
     } else if (name == "APPLE") {
         kind = FileKind::RestoreError;
+    } else if (name == "root") {
+        kind = FileKind::Version;
     } else if (name == "Config") {
         kind = FileKind::LegacyConfig;
     } else if (name == "Rilo") {

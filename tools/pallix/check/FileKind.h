@@ -21,6 +21,7 @@ enum class FileKind {
     Portbind,
     Factory,
     Ipsw,
+    Version,
 };
 
 // "cloud", "cpid", ... as the --kind option names them.
