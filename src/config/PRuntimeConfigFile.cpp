@@ -99,7 +99,7 @@ void PRuntimeConfig::load_new() noexcept {
 
         readFlags(root.child("Status"), config.status);
 
-        forEachChild(root.child("Directory"), [&config](const pugi::xml_node& item) {
+        forEachChild(root.child("Directory"), [&](const pugi::xml_node& item) {
             insertIfAbsent(config.directory, NString(item.attribute("Name").as_string("")),
                            NString(item.attribute("Path").as_string("")));
         });
@@ -110,11 +110,11 @@ void PRuntimeConfig::load_new() noexcept {
 
         readFlags(root.child("Tools"), config.tools);
 
-        forEachChild(root.child("CustomBackup"), [&config](const pugi::xml_node& item) {
+        forEachChild(root.child("CustomBackup"), [&](const pugi::xml_node& item) {
             config.customBackup.emplace_back(item.attribute("Path").as_string(""));
         });
 
-        forEachChild(root.child("FileFavorites"), [&config](const pugi::xml_node& item) {
+        forEachChild(root.child("FileFavorites"), [&](const pugi::xml_node& item) {
             _PALLIX_RUNTIME_CONFIG_FC favourite;
             favourite.Path = NString(item.attribute("Path").as_string(""));
             favourite.Root = item.attribute("Root").as_bool(false);

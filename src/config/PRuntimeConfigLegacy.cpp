@@ -92,7 +92,7 @@ void PRuntimeConfig::load_old() noexcept {
             insertIfAbsent(config.status, NString(name), imported.at(name));
         }
 
-        forEachChild(root.child("Directory"), [&config](const pugi::xml_node& item) {
+        forEachChild(root.child("Directory"), [&](const pugi::xml_node& item) {
             insertIfAbsent(config.directory, NString(item.attribute("KEY").as_string("")),
                            NString(item.attribute("VALUE").as_string("")));
         });
@@ -100,17 +100,17 @@ void PRuntimeConfig::load_old() noexcept {
                        NString(valueOf(root, "UserDir").as_string("")));
         insertIfAbsent(config.directory, NString("Backup"), NApple::BackupDirectory());
 
-        forEachChild(root.child("Tools"), [&config](const pugi::xml_node& item) {
+        forEachChild(root.child("Tools"), [&](const pugi::xml_node& item) {
             insertIfAbsent(config.tools, NString(item.attribute("KEY").as_string("")),
                            item.attribute("VALUE").as_bool(false));
         });
 
         // Taken as they are: neither normalised nor checked for duplicates.
-        forEachChild(root.child("BackupList"), [&config](const pugi::xml_node& item) {
+        forEachChild(root.child("BackupList"), [&](const pugi::xml_node& item) {
             config.customBackup.emplace_back(item.attribute("BackupCustom").as_string(""));
         });
 
-        forEachChild(root.child("CollectionList"), [&config](const pugi::xml_node& item) {
+        forEachChild(root.child("CollectionList"), [&](const pugi::xml_node& item) {
             _PALLIX_RUNTIME_CONFIG_FC favourite;
             favourite.Path = NString(item.attribute("CollectionPath").as_string(""));
             favourite.Root = item.attribute("CollectionRoot").as_bool(false);
