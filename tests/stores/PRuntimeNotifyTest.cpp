@@ -215,8 +215,14 @@ TEST_F(NotifyStoreTest, AppendOfAnExistingIdReplacesTheItemAndRewritesTheFile) {
 TEST_F(NotifyStoreTest, AppendOfAnItemEqualToTheStoredOneStillRewritesTheFile) {
     CountingNotify store;
     store.append(4, makeItem(4, "same"));
+    // Changed behind the store's back; the store does not read it again, but rewrites it.
+    writeNotify(notifyXml(""));
     store.append(4, makeItem(4, "same"));
     EXPECT_EQ(store.writes(), 2);
+    pugi::xml_document document;
+    const auto items = writtenItems(document);
+    ASSERT_EQ(items.size(), 1u);
+    EXPECT_EQ(valueIn(items[0], "Title"), "same");
 }
 
 TEST_F(NotifyStoreTest, UpdateOfAnAbsentIdReturnsFalseAndLeavesTheFileUntouched) {
