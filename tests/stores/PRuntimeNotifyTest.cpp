@@ -853,3 +853,11 @@ TEST_F(NotifyStoreTest, AFailedSaveLeavesTheOldFileAndTheNextSaveCatchesUp) {
     PRuntimeNotify reloaded;
     EXPECT_EQ(idsOf(reloaded), (std::vector<unsigned long long>{1, 2, 3}));
 }
+
+TEST_F(NotifyStoreTest, StrayTextInsideNotifyCountsAsADefaultNotification) {
+    // Every child node is taken, text included; having no elements, it is notification 0.
+    writeNotify(notifyXml("stray text" + itemXml(3, "three")));
+    PRuntimeNotify store;
+    EXPECT_EQ(idsOf(store), (std::vector<unsigned long long>{0, 3}));
+    EXPECT_TRUE(store.find(0).title().empty());
+}

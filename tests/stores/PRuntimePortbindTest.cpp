@@ -484,3 +484,10 @@ TEST_F(PortbindStoreTest, AFailedSaveLeavesNoFileAndTheNextSaveRestoresIt) {
     store.append("c", "3");
     EXPECT_EQ(writtenBindings(), (Bindings{{"a", "1"}, {"b", "2"}, {"c", "3"}}));
 }
+
+TEST_F(PortbindStoreTest, StrayTextInsideBindCountsAsAnEmptyBinding) {
+    // Every child node is taken, text included; having no attributes, it binds "" to "".
+    writeBind(portbindXml("stray text" + itemXml("a", "1")));
+    PRuntimePortbind store;
+    EXPECT_EQ(bindingsOf(store), (Bindings{{"", ""}, {"a", "1"}}));
+}
