@@ -1,5 +1,200 @@
 #include "PRuntimeNotify.h"
 
-PRuntimeNotify::PRuntimeNotify() noexcept = default;
+#include "NApplication.h"
+#include "NFileSystem.h"
+#include "XmlFile.h"
+
+#include <utility>
+#include <vector>
+
+namespace {
+
+const char* const kFileName = "/notify.xml";
+const char* const kOldDirectoryName = "/Notify";
+
+NString filePath() {
+    return NApplication::DirectoryConfig() + kFileName;
+}
+
+NString oldDirectoryPath() {
+    return NApplication::DirectoryConfig() + kOldDirectoryName;
+}
+
+pugi::xml_attribute valueOf(const pugi::xml_node& parent, const char* element) {
+    return parent.child(element).attribute("VALUE");
+}
+
+// One notification from the children of `parent`. Both layouts share the element names except
+// for the time, which the old one called "Time". A missing element or attribute leaves the
+// field at its default.
+PRuntimeNotifyItem itemFrom(const pugi::xml_node& parent, const char* timeElement) {
+    PRuntimeNotifyItem item;
+    item.setID(valueOf(parent, "ID").as_ullong());
+    item.setUserID(valueOf(parent, "UserID").as_ullong());
+    item.setTitle(NString(valueOf(parent, "Title").as_string()));
+    item.setTimestamp(valueOf(parent, timeElement).as_llong());
+    item.setURL(NString(valueOf(parent, "URL").as_string()));
+    item.setIsPopup(valueOf(parent, "Popup").as_bool());
+    item.setAlreadyRead(valueOf(parent, "Read").as_bool());
+    item.setAlreadyPopup(valueOf(parent, "AlreadyPopup").as_bool());
+    item.setRemove(valueOf(parent, "Remove").as_bool());
+    return item;
+}
+
+// The first notification of an id wins; later ones with the same id are dropped.
+void keepFirst(std::map<unsigned long long, PRuntimeNotifyItem>& items,
+               const PRuntimeNotifyItem& item) {
+    items.emplace(item.id(), item);
+}
+
+template <typename Value>
+void appendValue(pugi::xml_node& parent, const char* element, Value value) {
+    parent.append_child(element).append_attribute("VALUE").set_value(value);
+}
+
+} // namespace
+
+PRuntimeNotify::PRuntimeNotify() noexcept {
+    // The object is not shared yet, so loading takes no lock. The old layout is imported at
+    // most once: its directory goes right after, and the imported notifications reach the
+    // current file with the next change (whose write replaces whatever file is there).
+    try {
+        const NString oldDirectory = oldDirectoryPath();
+        if (NFileSystem::directory::exist(oldDirectory)) {
+            _read_old();
+            NFileSystem::directory::remove(oldDirectory, NFileSystem::directory::Filter());
+        } else {
+            _read();
+        }
+    } catch (...) {
+        // Out of memory while loading: the store starts with what it had read.
+    }
+}
 
 PRuntimeNotify::~PRuntimeNotify() = default;
+
+void PRuntimeNotify::_read_old() noexcept {
+    try {
+        const NString oldDirectory = oldDirectoryPath();
+        NFileSystem::directory::traverse(oldDirectory, [&](const NFileSystem::path& entry) {
+            if (!NFileSystem::path::isFile(entry)) {
+                return true;
+            }
+            // Whatever the entry's extension, the notification is read from "<name>.xml".
+            const NString path = oldDirectory + "/" + entry.baseName() + ".xml";
+            pugi::xml_document document;
+            if (!pallix::XmlFile::load(document, path)) {
+                return true;
+            }
+            const pugi::xml_node root = document.child("ROOT");
+            if (root) {
+                keepFirst(m_items, itemFrom(root, "Time"));
+            }
+            return true;
+        });
+    } catch (...) {
+    }
+}
+
+void PRuntimeNotify::_read() noexcept {
+    try {
+        pugi::xml_document document;
+        if (!pallix::XmlFile::load(document, filePath())) {
+            return;
+        }
+        const pugi::xml_node list = document.child("Nevor").child("Notify");
+        for (pugi::xml_node node = list.first_child(); node; node = node.next_sibling()) {
+            keepFirst(m_items, itemFrom(node, "Timestamp"));
+        }
+    } catch (...) {
+    }
+}
+
+void PRuntimeNotify::_write() const noexcept {
+    try {
+        pugi::xml_document document;
+        pugi::xml_node list = document.append_child("Nevor").append_child("Notify");
+        pallix::XmlFile::prependDeclaration(document, "utf-8", false);
+        for (const auto& entry : m_items) {
+            const PRuntimeNotifyItem& item = entry.second;
+            pugi::xml_node node = list.append_child("Item");
+            appendValue(node, "ID", item.id());
+            appendValue(node, "UserID", item.userID());
+            appendValue(node, "Title", item.title().data());
+            appendValue(node, "Timestamp", item.timestamp());
+            appendValue(node, "URL", item.url().data());
+            appendValue(node, "Read", item.isAlreadyRead());
+            appendValue(node, "Popup", item.isPopup());
+            // Deliberately from the read flag: the application treats a notification the user
+            // has read as one that no longer needs to pop up. Readers take it as alreadyPopup.
+            appendValue(node, "AlreadyPopup", item.isAlreadyRead());
+            appendValue(node, "Remove", item.isRemove());
+        }
+        // A failed save leaves the previous file; the next successful one catches up.
+        pallix::XmlFile::save(document, filePath());
+    } catch (...) {
+    }
+}
+
+void PRuntimeNotify::traverse(const Visitor& fn) const noexcept {
+    if (!fn) {
+        return;
+    }
+    std::vector<std::pair<unsigned long long, PRuntimeNotifyItem>> copy;
+    try {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        copy.assign(m_items.begin(), m_items.end());
+    } catch (...) {
+        return;
+    }
+    for (const auto& entry : copy) {
+        fn(entry.first, entry.second);
+    }
+}
+
+bool PRuntimeNotify::exist(unsigned long long id) const noexcept {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_items.count(id) != 0;
+}
+
+PRuntimeNotifyItem PRuntimeNotify::find(unsigned long long id) const noexcept {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const auto found = m_items.find(id);
+    return found == m_items.end() ? PRuntimeNotifyItem() : found->second;
+}
+
+void PRuntimeNotify::append(unsigned long long id, const PRuntimeNotifyItem& item) noexcept {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    try {
+        const auto found = m_items.find(id);
+        if (found == m_items.end()) {
+            m_items.emplace(id, item);
+        } else {
+            found->second = item;
+        }
+    } catch (...) {
+        return;
+    }
+    _write();
+}
+
+bool PRuntimeNotify::update(unsigned long long id, const PRuntimeNotifyItem& item) noexcept {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const auto found = m_items.find(id);
+    if (found == m_items.end()) {
+        return false;
+    }
+    found->second = item;
+    _write();
+    return true;
+}
+
+void PRuntimeNotify::remove(unsigned long long id) noexcept {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const auto found = m_items.find(id);
+    if (found == m_items.end()) {
+        return;
+    }
+    found->second.setRemove(true);
+    _write();
+}

@@ -1,5 +1,131 @@
 #include "PRuntimePortbind.h"
 
+#include "NApplication.h"
+#include "NFileSystem.h"
+#include "XmlFile.h"
+
+#include <utility>
+#include <vector>
+
+namespace {
+
+NString filePath() {
+    return NApplication::DirectoryConfig() + "/PortBind.xml";
+}
+
+} // namespace
+
 PRuntimePortbind::PRuntimePortbind() noexcept = default;
 
 PRuntimePortbind::~PRuntimePortbind() = default;
+
+void PRuntimePortbind::_read() noexcept {
+    try {
+        pugi::xml_document document;
+        if (!pallix::XmlFile::load(document, filePath())) {
+            return;
+        }
+        const pugi::xml_node list = document.child("Rilo").child("BIND");
+        // The entries' own names play no part; empty texts from the file are taken as they
+        // are, and the first binding of a source wins.
+        for (pugi::xml_node node = list.first_child(); node; node = node.next_sibling()) {
+            m_bindings.emplace(NString(node.attribute("SOURCE").as_string()),
+                               NString(node.attribute("TARGET").as_string()));
+        }
+    } catch (...) {
+    }
+}
+
+void PRuntimePortbind::_write() noexcept {
+    try {
+        pugi::xml_document document;
+        pallix::XmlFile::prependDeclaration(document, "UTF-8", true);
+        pugi::xml_node list = document.append_child("Rilo").append_child("BIND");
+        for (const auto& binding : m_bindings) {
+            pugi::xml_node node = list.append_child("Item");
+            node.append_attribute("SOURCE").set_value(binding.first.data());
+            node.append_attribute("TARGET").set_value(binding.second.data());
+        }
+        const NString path = filePath();
+        // The old file goes first, so a save that fails leaves no file rather than a stale
+        // one; the table in memory keeps the change and the next write restores the file.
+        NFileSystem::file::remove(path);
+        pallix::XmlFile::save(document, path);
+    } catch (...) {
+    }
+}
+
+void PRuntimePortbind::_initialize() noexcept {
+    if (!m_initialized) {
+        _read();
+        m_initialized = true;
+    }
+}
+
+void PRuntimePortbind::append(const NString& source, const NString& target) noexcept {
+    if (source.empty() || target.empty()) {
+        return;
+    }
+    std::lock_guard<std::mutex> lock(m_mutex);
+    _initialize();
+    m_bindings.erase(source);
+    try {
+        m_bindings.emplace(source, target);
+    } catch (...) {
+        // The old binding is gone either way: the file is brought in line with the table.
+    }
+    _write();
+}
+
+void PRuntimePortbind::remove(const NString& source) noexcept {
+    if (source.empty()) {
+        return;
+    }
+    std::lock_guard<std::mutex> lock(m_mutex);
+    _initialize();
+    m_bindings.erase(source);
+    _write();
+}
+
+NString PRuntimePortbind::find(const NString& source) noexcept {
+    if (source.empty()) {
+        return NString();
+    }
+    std::lock_guard<std::mutex> lock(m_mutex);
+    _initialize();
+    const auto found = m_bindings.find(source);
+    if (found == m_bindings.end()) {
+        return NString();
+    }
+    try {
+        return found->second;
+    } catch (...) {
+        return NString();
+    }
+}
+
+void PRuntimePortbind::traverse(const Visitor& fn) noexcept {
+    std::vector<std::pair<NString, NString>> copy;
+    try {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        _initialize();
+        copy.assign(m_bindings.begin(), m_bindings.end());
+    } catch (...) {
+        return;
+    }
+    if (!fn) {
+        return;
+    }
+    for (const auto& binding : copy) {
+        fn(binding.first, binding.second);
+    }
+}
+
+bool PRuntimePortbind::exist(const NString& source) noexcept {
+    if (source.empty()) {
+        return false;
+    }
+    std::lock_guard<std::mutex> lock(m_mutex);
+    _initialize();
+    return m_bindings.count(source) != 0;
+}
