@@ -10,7 +10,7 @@
 // libraries have no frame pointers for the fast unwinder). Without a sanitizer nothing reads
 // these hooks.
 extern "C" __attribute__((visibility("default"), used)) const char* __lsan_default_options() {
-    return "fast_unwind_on_malloc=0";
+    return "fast_unwind_on_malloc=0:print_suppressions=0";
 }
 
 extern "C" __attribute__((visibility("default"), used)) const char* __lsan_default_suppressions() {
