@@ -1,7 +1,7 @@
 #pragma once
 
-// The constants and offset polynomials of the datum shifts. They are global, as the host's
-// older code expects them, but not exported: the version script keeps them local.
+// The constants and offset polynomials of the datum shifts. They are global names, but hidden
+// and kept local by the version script: they are no part of the library's interface.
 
 // pi, and pi * 3000 / 180, the angular factor of the BD-09 shift.
 extern const double PI;
@@ -10,7 +10,7 @@ extern const double x_PI;
 extern const double _ValueA;
 extern const double ee;
 
-// The GCJ-02 offset polynomials, in degrees-ish units before the ellipsoid scaling; both take
-// x = longitude - 105 and y = latitude - 35.
+// The GCJ-02 offset polynomials, in metres-like units that the ellipsoid's radii of curvature
+// turn into degrees; both take x = longitude - 105 and y = latitude - 35.
 double transformlat(double x, double y) noexcept;
 double transformlng(double x, double y) noexcept;
