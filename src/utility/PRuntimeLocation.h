@@ -2,12 +2,30 @@
 
 #include "PallixRuntimeExport.h"
 
-// Conversion of map coordinates between the WGS-84, GCJ-02 and BD-09 datums.
+// Conversion of map coordinates between the WGS-84 (GPS), GCJ-02 (Chinese map services) and
+// BD-09 datums. Every pair is (longitude, latitude) in decimal degrees, longitude first.
+//
+// The shifts that involve GCJ-02 apply only inside a rectangle around mainland China; other
+// points pass unchanged. isChina() answers true for a point OUTSIDE that rectangle: the name
+// is kept for the host's sake, and the conversions read a true result as "leave it alone".
+// They ask it through the virtual table, so a subclass can change the region.
+//
+// A conversion reads both values before it writes both, so the two pointers must not alias;
+// a null pointer makes it a no-op. The object holds no state: copies copy nothing.
+//
+// The order of the virtual operations is part of the binary interface.
 class PALLIX_RUNTIME_EXPORT PRuntimeLocation {
 public:
     PRuntimeLocation() noexcept;
+    PRuntimeLocation(const PRuntimeLocation& other) noexcept;
+    PRuntimeLocation& operator=(const PRuntimeLocation& other) noexcept;
     virtual ~PRuntimeLocation();
 
-    PRuntimeLocation(const PRuntimeLocation&) = delete;
-    PRuntimeLocation& operator=(const PRuntimeLocation&) = delete;
+    virtual bool isChina(double longitude, double latitude) const noexcept;
+    virtual void BD09_TO_GCJ02(double* longitude, double* latitude) const noexcept;
+    // Always shifts: there is no rectangle test on this way.
+    virtual void GCJ02_TO_BD09(double* longitude, double* latitude) const noexcept;
+    // A single-step inverse of WGS84_TO_GCJ02, close to but not exactly the starting point.
+    virtual void GCJ02_TO_WGS84(double* longitude, double* latitude) const noexcept;
+    virtual void WGS84_TO_GCJ02(double* longitude, double* latitude) const noexcept;
 };

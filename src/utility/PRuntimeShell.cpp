@@ -1,5 +1,68 @@
 #include "PRuntimeShell.h"
 
+#include "NFileSystem.h"
+#include "NShell.h"
+#include "PRuntimeString.h"
+#include "ProductAddress.h"
+
+#include <QDesktopServices>
+#include <QString>
+#include <QUrl>
+
 PRuntimeShell::PRuntimeShell() noexcept = default;
 
 PRuntimeShell::~PRuntimeShell() = default;
+
+bool PRuntimeShell::Remove(const NString& path) const noexcept {
+    try {
+        if (!NFileSystem::path::exist(path)) {
+            return false;
+        }
+        if (NFileSystem::path::isFile(path)) {
+            return NFileSystem::file::remove(path);
+        }
+        // An empty filter takes every entry.
+        return NFileSystem::directory::remove(path, NFileSystem::directory::Filter());
+    } catch (...) {
+        return false;
+    }
+}
+
+bool PRuntimeShell::OpenFile(const NString& path) const noexcept {
+    try {
+        const NFileSystem::path normalised = NFileSystem::path::format(path);
+        const QString local = _8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(normalised.data());
+        return QDesktopServices::openUrl(QUrl::fromLocalFile(local));
+    } catch (...) {
+        return false;
+    }
+}
+
+bool PRuntimeShell::OpenImage(const NString& path) const noexcept {
+    try {
+        if (!path.exist()) {
+            return false;
+        }
+        // Unquoted by design: the host relies on the command line exactly as it is built here.
+        return NShell::system(NString("open ") + path) == 0;
+    } catch (...) {
+        return false;
+    }
+}
+
+bool PRuntimeShell::OpenDirectory(const NString& path) const noexcept {
+    return OpenFile(path);
+}
+
+bool PRuntimeShell::OpenURL(const NString& url) const noexcept {
+    try {
+        const QUrl address(_8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(url), QUrl::TolerantMode);
+        return QDesktopServices::openUrl(address);
+    } catch (...) {
+        return false;
+    }
+}
+
+bool PRuntimeShell::OpenTolvane() const noexcept {
+    return OpenURL(NString(pallix::productAddress));
+}

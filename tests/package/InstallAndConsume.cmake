@@ -56,12 +56,16 @@ if(NOT step_output MATCHES "consumer: root ready")
     message(FATAL_ERROR "unexpected consumer output: ${step_output}")
 endif()
 
-# Consumer 2: pkg-config, with the prefix redefined to the scratch tree.
+# Consumer 2: pkg-config, with the prefix pointed at the scratch tree. Only this package's file
+# is rewritten: --define-variable=prefix would move the prefix of the Qt packages it requires
+# as well.
 file(GLOB_RECURSE pc_file ${prefix}/*PallixRuntime.pc)
-get_filename_component(pc_dir ${pc_file} DIRECTORY)
+file(READ ${pc_file} pc_text)
+string(REGEX REPLACE "(^|\n)prefix=[^\n]*" "\\1prefix=${prefix}" pc_text "${pc_text}")
+set(pc_dir ${WORK_DIR}/pkgconfig)
+file(WRITE ${pc_dir}/PallixRuntime.pc "${pc_text}")
 set(ENV{PKG_CONFIG_PATH} ${pc_dir})
-run_step("pkg-config" pkg-config --define-variable=prefix=${prefix} --cflags --libs
-    PallixRuntime)
+run_step("pkg-config" pkg-config --cflags --libs PallixRuntime)
 string(STRIP "${step_output}" flags)
 separate_arguments(flags UNIX_COMMAND "${flags}")
 file(GLOB_RECURSE library ${prefix}/*libPallixRuntime.so)

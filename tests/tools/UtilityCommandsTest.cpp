@@ -1,0 +1,216 @@
+#include "ToolRunner.h"
+
+#include "PRuntimeLocation.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+using pallix::test::runTool;
+using pallix::test::ToolResult;
+
+namespace {
+
+// The tool's environment without a time zone of the caller's: the tests give their own.
+ToolResult runInZone(const std::vector<std::string>& arguments, const std::string& zone) {
+    ::unsetenv("TZ");
+    return runTool(arguments, {"TZ=" + zone});
+}
+
+std::string exact(double longitude, double latitude) {
+    char buffer[96];
+    std::snprintf(buffer, sizeof buffer, "%.17g %.17g\n", longitude, latitude);
+    return buffer;
+}
+
+} // namespace
+
+// --- size -----------------------------------------------------------------------------------
+
+TEST(ToolSize, ShowsBytesBelowOneKilobyte) {
+    const ToolResult result = runTool({"size", "1023"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "1023Byte\n");
+}
+
+TEST(ToolSize, DefaultsToTwoDecimals) {
+    const ToolResult result = runTool({"size", "1024"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "1.00KB\n");
+}
+
+TEST(ToolSize, PrecisionAndSpacing) {
+    EXPECT_EQ(runTool({"size", "1536", "--precision", "1"}).output, "1.5KB\n");
+    EXPECT_EQ(runTool({"size", "1024", "--spaced"}).output, "1.00 KB\n");
+    EXPECT_EQ(runTool({"size", "1048576", "--precision", "0"}).output, "1MB\n");
+    EXPECT_EQ(runTool({"size", "1125899906842624"}).output, "1024.00TB\n");
+}
+
+TEST(ToolSize, LargestCount) {
+    const ToolResult result = runTool({"size", "18446744073709551615", "--precision", "3"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "16777216.000TB\n");
+}
+
+TEST(ToolSize, RejectsWhatIsNotAByteCount) {
+    for (const char* text : {"abc", "-1", "1.5", "18446744073709551616", ""}) {
+        const ToolResult result = runTool({"size", text});
+        EXPECT_EQ(result.status, 2) << text;
+        EXPECT_EQ(result.output, "") << text;
+        EXPECT_NE(result.errors.find("not a byte count"), std::string::npos) << result.errors;
+    }
+}
+
+TEST(ToolSize, NeedsTheByteCount) {
+    const ToolResult result = runTool({"size"});
+    EXPECT_NE(result.status, 0);
+    EXPECT_NE(result.errors.find("BYTES"), std::string::npos) << result.errors;
+}
+
+// --- coord ------------------------------------------------------------------------------------
+
+TEST(ToolCoord, WgsToGcjAsTheLibraryConverts) {
+    double lng = 116.4;
+    double lat = 39.9;
+    PRuntimeLocation().WGS84_TO_GCJ02(&lng, &lat);
+    const ToolResult result = runTool({"coord", "wgs84", "gcj02", "116.4", "39.9", "--exact"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, exact(lng, lat));
+}
+
+TEST(ToolCoord, SixDecimalsByDefault) {
+    const ToolResult result = runTool({"coord", "gcj02", "bd09", "0", "0"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "0.006500 0.006000\n");
+}
+
+TEST(ToolCoord, EveryPairOfDatums) {
+    const PRuntimeLocation location;
+    struct Way {
+        const char* from;
+        const char* to;
+        void (*convert)(const PRuntimeLocation&, double&, double&);
+    };
+    const Way ways[] = {
+        {"wgs84", "gcj02",
+         [](const PRuntimeLocation& l, double& x, double& y) { l.WGS84_TO_GCJ02(&x, &y); }},
+        {"gcj02", "wgs84",
+         [](const PRuntimeLocation& l, double& x, double& y) { l.GCJ02_TO_WGS84(&x, &y); }},
+        {"gcj02", "bd09",
+         [](const PRuntimeLocation& l, double& x, double& y) { l.GCJ02_TO_BD09(&x, &y); }},
+        {"bd09", "gcj02",
+         [](const PRuntimeLocation& l, double& x, double& y) { l.BD09_TO_GCJ02(&x, &y); }},
+        {"wgs84", "bd09",
+         [](const PRuntimeLocation& l, double& x, double& y) {
+             l.WGS84_TO_GCJ02(&x, &y);
+             l.GCJ02_TO_BD09(&x, &y);
+         }},
+        {"bd09", "wgs84",
+         [](const PRuntimeLocation& l, double& x, double& y) {
+             l.BD09_TO_GCJ02(&x, &y);
+             l.GCJ02_TO_WGS84(&x, &y);
+         }},
+        {"wgs84", "wgs84", [](const PRuntimeLocation&, double&, double&) {}},
+        {"bd09", "bd09", [](const PRuntimeLocation&, double&, double&) {}},
+    };
+    for (const Way& way : ways) {
+        double lng = 121.4737;
+        double lat = 31.2304;
+        way.convert(location, lng, lat);
+        const ToolResult result =
+            runTool({"coord", way.from, way.to, "121.4737", "31.2304", "--exact"});
+        EXPECT_EQ(result.status, 0) << way.from << " " << way.to << ": " << result.errors;
+        EXPECT_EQ(result.output, exact(lng, lat)) << way.from << " " << way.to;
+    }
+}
+
+TEST(ToolCoord, PointsOutsideTheRegionPassUnchanged) {
+    const ToolResult result = runTool({"coord", "wgs84", "gcj02", "-73.9857", "40.7484"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "-73.985700 40.748400\n");
+}
+
+TEST(ToolCoord, NanGoesThrough) {
+    const ToolResult result = runTool({"coord", "gcj02", "bd09", "nan", "0"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "nan nan\n");
+}
+
+TEST(ToolCoord, RejectsAnUnknownDatum) {
+    const ToolResult result = runTool({"coord", "mercator", "gcj02", "116.4", "39.9"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "");
+    EXPECT_NE(result.errors.find("unknown datum: mercator"), std::string::npos) << result.errors;
+    EXPECT_EQ(runTool({"coord", "wgs84", "WGS84", "1", "2"}).status, 2);
+}
+
+TEST(ToolCoord, RejectsWhatIsNotANumber) {
+    ToolResult result = runTool({"coord", "wgs84", "gcj02", "east", "39.9"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.errors.find("not a longitude: east"), std::string::npos) << result.errors;
+    result = runTool({"coord", "wgs84", "gcj02", "116.4", "39.9N"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.errors.find("not a latitude: 39.9N"), std::string::npos) << result.errors;
+}
+
+// --- date -------------------------------------------------------------------------------------
+
+TEST(ToolDate, EpochInUtc) {
+    const ToolResult result = runInZone({"date", "0"}, "UTC");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "date: 1970-01-01\nday starts at: 0\n");
+}
+
+TEST(ToolDate, WestOfUtc) {
+    // 2024-07-05 03:30 UTC is 2024-07-04 23:30 in New York; that day began at 04:00 UTC.
+    const ToolResult result = runInZone({"date", "1720150200"}, "America/New_York");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "date: 2024-07-04\nday starts at: 1720065600\n");
+}
+
+TEST(ToolDate, EastOfUtc) {
+    // 2024-01-01 20:00 UTC is 2024-01-02 04:00 in Shanghai; that day began at 16:00 UTC.
+    const ToolResult result = runInZone({"date", "1704139200"}, "Asia/Shanghai");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "date: 2024-01-02\nday starts at: 1704124800\n");
+}
+
+TEST(ToolDate, NegativeSecondsWrap) {
+    const ToolResult result = runInZone({"date", "-1"}, "UTC");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "date: 2106-02-07\nday starts at: 4294944000\n");
+}
+
+TEST(ToolDate, RejectsWhatIsNotANumber) {
+    for (const char* text : {"yesterday", "12.5", "99999999999999999999"}) {
+        const ToolResult result = runInZone({"date", text}, "UTC");
+        EXPECT_EQ(result.status, 2) << text;
+        EXPECT_NE(result.errors.find("not a number of seconds"), std::string::npos)
+            << result.errors;
+    }
+}
+
+// --- password ---------------------------------------------------------------------------------
+
+TEST(ToolPassword, AcceptsAMixedPassword) {
+    const ToolResult result = runTool({"password", "abc123"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "accepted\n");
+}
+
+TEST(ToolPassword, RejectsWithStatusOne) {
+    for (const char* text : {"123456", "abcdef", "!!!!!!", "a1", "密码密码密码"}) {
+        const ToolResult result = runTool({"password", text});
+        EXPECT_EQ(result.status, 1) << text;
+        EXPECT_EQ(result.output, "rejected\n") << text;
+    }
+}
+
+TEST(ToolPassword, ReadsTheTextAsUtf8) {
+    EXPECT_EQ(runTool({"password", "密码abcd"}).output, "accepted\n");
+    // Six characters, but fourteen bytes: the rule counts characters.
+    EXPECT_EQ(runTool({"password", "密码密码a1"}).output, "accepted\n");
+    EXPECT_EQ(runTool({"password", std::string(32, 'a') + "1"}).output, "rejected\n");
+}

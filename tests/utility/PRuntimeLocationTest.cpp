@@ -1,0 +1,422 @@
+#include "VirtualSlot.h"
+
+#include "PRuntime.h"
+#include "PRuntimeLocation.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+using pallix::test::virtualSlot;
+
+namespace {
+
+// The published datum-shift formulas, written out here on their own so that the library is
+// checked against them and not against itself. Terms are evaluated left to right in the
+// published order.
+namespace reference {
+
+const double pi = 3.141592653589793;
+const double xPi = 52.35987755982988;
+const double a = 6378245.0;
+const double ee = 0.006693421622965943;
+
+double latitudeOffset(double x, double y) {
+    double r =
+        -100.0 + 2.0 * x + 3.0 * y + 0.2 * y * y + 0.1 * x * y + 0.2 * std::sqrt(std::abs(x));
+    r += (20.0 * std::sin(6.0 * x * pi) + 20.0 * std::sin(2.0 * x * pi)) * 2.0 / 3.0;
+    r += (20.0 * std::sin(y * pi) + 40.0 * std::sin(y * pi / 3.0)) * 2.0 / 3.0;
+    r += (160.0 * std::sin(y * pi / 12.0) + 320.0 * std::sin(y * pi / 30.0)) * 2.0 / 3.0;
+    return r;
+}
+
+double longitudeOffset(double x, double y) {
+    double r = 300.0 + x + 2.0 * y + 0.1 * x * x + 0.1 * x * y + 0.1 * std::sqrt(std::abs(x));
+    r += (20.0 * std::sin(6.0 * x * pi) + 20.0 * std::sin(2.0 * x * pi)) * 2.0 / 3.0;
+    r += (20.0 * std::sin(x * pi) + 40.0 * std::sin(x * pi / 3.0)) * 2.0 / 3.0;
+    r += (150.0 * std::sin(x * pi / 12.0) + 300.0 * std::sin(x * pi / 30.0)) * 2.0 / 3.0;
+    return r;
+}
+
+bool outside(double lng, double lat) {
+    return !(lng > 73.66 && lng < 135.05 && lat > 3.86 && lat < 53.55);
+}
+
+struct Point {
+    double lng;
+    double lat;
+};
+
+Point offset(double lng, double lat) {
+    const double rawLat = latitudeOffset(lng - 105.0, lat - 35.0);
+    const double rawLng = longitudeOffset(lng - 105.0, lat - 35.0);
+    const double radLat = lat / 180.0 * pi;
+    const double s = std::sin(radLat);
+    const double magic = 1.0 - ee * s * s;
+    const double sqrtMagic = std::sqrt(magic);
+    return {rawLng * 180.0 / (a / sqrtMagic * std::cos(radLat) * pi),
+            rawLat * 180.0 / ((a * (1.0 - ee)) / (magic * sqrtMagic) * pi)};
+}
+
+Point wgsToGcj(double lng, double lat, bool testRegion = true) {
+    if (testRegion && outside(lng, lat)) {
+        return {lng, lat};
+    }
+    const Point d = offset(lng, lat);
+    return {lng + d.lng, lat + d.lat};
+}
+
+Point gcjToWgs(double lng, double lat) {
+    if (outside(lng, lat)) {
+        return {lng, lat};
+    }
+    const Point d = offset(lng, lat);
+    return {2.0 * lng - (lng + d.lng), 2.0 * lat - (lat + d.lat)};
+}
+
+Point gcjToBd(double lng, double lat) {
+    const double z = std::sqrt(lng * lng + lat * lat) + 0.00002 * std::sin(lat * xPi);
+    const double theta = std::atan2(lat, lng) + 0.000003 * std::cos(lng * xPi);
+    return {z * std::cos(theta) + 0.0065, z * std::sin(theta) + 0.006};
+}
+
+Point bdToGcj(double lng, double lat) {
+    if (outside(lng, lat)) {
+        return {lng, lat};
+    }
+    const double x = lng - 0.0065;
+    const double y = lat - 0.006;
+    const double z = std::sqrt(x * x + y * y) - 0.00002 * std::sin(y * xPi);
+    const double theta = std::atan2(y, x) - 0.000003 * std::cos(x * xPi);
+    return {z * std::cos(theta), z * std::sin(theta)};
+}
+
+} // namespace reference
+
+const double notANumber = std::numeric_limits<double>::quiet_NaN();
+const double infinity = std::numeric_limits<double>::infinity();
+
+// Bit for bit, except that any NaN matches any NaN (the sign of a computed NaN is not fixed).
+bool same(double a, double b) {
+    if (std::isnan(a) || std::isnan(b)) {
+        return std::isnan(a) && std::isnan(b);
+    }
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+// Inside and outside the rectangle, on and next to its bounds, and the special values.
+std::vector<double> gridLongitudes() {
+    return {
+        -180.0, -73.9,  -0.0,       0.0,      2.35,     60.0,  73.66,  std::nextafter(73.66, 100.0),
+        80.0,   100.25, 105.0,      116.4,    121.47,   126.5, 135.05, std::nextafter(135.05, 0.0),
+        140.0,  180.0,  notANumber, infinity, -infinity};
+}
+
+std::vector<double> gridLatitudes() {
+    return {-90.0,      -33.9,    0.0,      3.86,  std::nextafter(3.86, 10.0), 10.0, 22.3,
+            31.23,      35.0,     39.9,     53.55, std::nextafter(53.55, 0.0), 60.0, 90.0,
+            notANumber, infinity, -infinity};
+}
+
+using Conversion = void (PRuntimeLocation::*)(double*, double*) const noexcept;
+
+class LocationTest : public ::testing::Test {
+protected:
+    void TearDown() override { PRuntime::freeInstance(); }
+
+    template <typename Expected>
+    void checkGrid(Conversion conversion, Expected expected, const char* name) {
+        int checked = 0;
+        for (double lng : gridLongitudes()) {
+            for (double lat : gridLatitudes()) {
+                double outLng = lng;
+                double outLat = lat;
+                (location.*conversion)(&outLng, &outLat);
+                const reference::Point want = expected(lng, lat);
+                EXPECT_TRUE(same(outLng, want.lng) && same(outLat, want.lat))
+                    << name << "(" << lng << ", " << lat << ") gave (" << outLng << ", " << outLat
+                    << "), expected (" << want.lng << ", " << want.lat << ")";
+                ++checked;
+            }
+        }
+        EXPECT_EQ(checked, 21 * 17);
+    }
+
+    PRuntimeLocation location;
+};
+
+// Counts the region questions and can claim the whole world as inside.
+class RegionSpy : public PRuntimeLocation {
+public:
+    bool isChina(double longitude, double latitude) const noexcept override {
+        ++calls;
+        lastLongitude = longitude;
+        lastLatitude = latitude;
+        return everywhereInside ? false : PRuntimeLocation::isChina(longitude, latitude);
+    }
+    bool everywhereInside = false;
+    mutable int calls = 0;
+    mutable double lastLongitude = 0.0;
+    mutable double lastLatitude = 0.0;
+};
+
+} // namespace
+
+TEST(LocationSlots, VirtualOperationsKeepTheirSlots) {
+    EXPECT_EQ(virtualSlot(&PRuntimeLocation::isChina), 3u);
+    EXPECT_EQ(virtualSlot(&PRuntimeLocation::BD09_TO_GCJ02), 4u);
+    EXPECT_EQ(virtualSlot(&PRuntimeLocation::GCJ02_TO_BD09), 5u);
+    EXPECT_EQ(virtualSlot(&PRuntimeLocation::GCJ02_TO_WGS84), 6u);
+    EXPECT_EQ(virtualSlot(&PRuntimeLocation::WGS84_TO_GCJ02), 7u);
+}
+
+TEST(LocationCopies, CopyConstructionAndAssignmentExistAndCopyNothing) {
+    static_assert(std::is_copy_constructible_v<PRuntimeLocation>);
+    static_assert(std::is_copy_assignable_v<PRuntimeLocation>);
+    const PRuntimeLocation original;
+    PRuntimeLocation copy(original);
+    PRuntimeLocation assigned;
+    assigned = original;
+    double lng = 116.4;
+    double lat = 39.9;
+    copy.WGS84_TO_GCJ02(&lng, &lat);
+    const reference::Point want = reference::wgsToGcj(116.4, 39.9);
+    EXPECT_TRUE(same(lng, want.lng) && same(lat, want.lat));
+    EXPECT_FALSE(assigned.isChina(116.4, 39.9));
+    EXPECT_EQ(sizeof(PRuntimeLocation), sizeof(void*));
+}
+
+TEST_F(LocationTest, RootHandsOutTheComponent) {
+    PRuntimeLocation* fromRoot = PRuntime::getInstance()->location();
+    ASSERT_NE(fromRoot, nullptr);
+    EXPECT_TRUE(fromRoot->isChina(2.35, 48.85));
+}
+
+// --- the rectangle ------------------------------------------------------------------------
+
+TEST_F(LocationTest, IsChinaIsFalseInsideTheRectangle) {
+    EXPECT_FALSE(location.isChina(116.4, 39.9));
+    EXPECT_FALSE(location.isChina(121.47, 31.23));
+}
+
+TEST_F(LocationTest, IsChinaIsTrueOutsideTheRectangle) {
+    EXPECT_TRUE(location.isChina(2.35, 48.85));
+    EXPECT_TRUE(location.isChina(-73.9, 40.7));
+    EXPECT_TRUE(location.isChina(116.4, -39.9));
+}
+
+TEST_F(LocationTest, IsChinaExcludesEveryBound) {
+    EXPECT_TRUE(location.isChina(73.66, 39.9));
+    EXPECT_TRUE(location.isChina(135.05, 39.9));
+    EXPECT_TRUE(location.isChina(100.0, 3.86));
+    EXPECT_TRUE(location.isChina(100.0, 53.55));
+    EXPECT_FALSE(location.isChina(std::nextafter(73.66, 100.0), 39.9));
+    EXPECT_FALSE(location.isChina(std::nextafter(135.05, 0.0), 39.9));
+    EXPECT_FALSE(location.isChina(100.0, std::nextafter(3.86, 10.0)));
+    EXPECT_FALSE(location.isChina(100.0, std::nextafter(53.55, 0.0)));
+}
+
+TEST_F(LocationTest, IsChinaCountsNanAndInfinityAsOutside) {
+    EXPECT_TRUE(location.isChina(notANumber, 39.9));
+    EXPECT_TRUE(location.isChina(116.4, notANumber));
+    EXPECT_TRUE(location.isChina(infinity, 39.9));
+    EXPECT_TRUE(location.isChina(116.4, -infinity));
+}
+
+TEST_F(LocationTest, IsChinaMatchesTheRectangleOnTheGrid) {
+    for (double lng : gridLongitudes()) {
+        for (double lat : gridLatitudes()) {
+            EXPECT_EQ(location.isChina(lng, lat), reference::outside(lng, lat))
+                << lng << ", " << lat;
+        }
+    }
+}
+
+// --- the conversions against the formulas --------------------------------------------------
+
+TEST_F(LocationTest, WgsToGcjMatchesTheFormulasOnTheGrid) {
+    checkGrid(
+        &PRuntimeLocation::WGS84_TO_GCJ02,
+        [](double lng, double lat) { return reference::wgsToGcj(lng, lat); }, "WGS84_TO_GCJ02");
+}
+
+TEST_F(LocationTest, GcjToWgsMatchesTheFormulasOnTheGrid) {
+    checkGrid(&PRuntimeLocation::GCJ02_TO_WGS84, reference::gcjToWgs, "GCJ02_TO_WGS84");
+}
+
+TEST_F(LocationTest, GcjToBdMatchesTheFormulasOnTheGrid) {
+    checkGrid(&PRuntimeLocation::GCJ02_TO_BD09, reference::gcjToBd, "GCJ02_TO_BD09");
+}
+
+TEST_F(LocationTest, BdToGcjMatchesTheFormulasOnTheGrid) {
+    checkGrid(&PRuntimeLocation::BD09_TO_GCJ02, reference::bdToGcj, "BD09_TO_GCJ02");
+}
+
+TEST_F(LocationTest, WgsToGcjShiftsBeijingByHundredsOfMetres) {
+    double lng = 116.4;
+    double lat = 39.9;
+    location.WGS84_TO_GCJ02(&lng, &lat);
+    // Known size of the offset around Beijing: about +0.0062 degrees east, +0.0014 north.
+    EXPECT_NEAR(lng - 116.4, 0.0062, 0.0005);
+    EXPECT_NEAR(lat - 39.9, 0.0014, 0.0005);
+}
+
+// --- edge cases -----------------------------------------------------------------------------
+
+TEST_F(LocationTest, WgsToGcjOutsideLeavesBothValuesBitForBit) {
+    for (const reference::Point p :
+         {reference::Point{2.35, 48.85}, reference::Point{-0.0, -0.0},
+          reference::Point{73.66, 39.9}, reference::Point{1e-310, 1e308}}) {
+        double lng = p.lng;
+        double lat = p.lat;
+        location.WGS84_TO_GCJ02(&lng, &lat);
+        EXPECT_TRUE(same(lng, p.lng)) << p.lng;
+        EXPECT_TRUE(same(lat, p.lat)) << p.lat;
+    }
+}
+
+TEST_F(LocationTest, OutsidePointsPassEveryConversionButTheBaiduShiftUnchanged) {
+    for (Conversion conversion :
+         {&PRuntimeLocation::WGS84_TO_GCJ02, &PRuntimeLocation::GCJ02_TO_WGS84,
+          &PRuntimeLocation::BD09_TO_GCJ02}) {
+        double lng = -73.9;
+        double lat = 40.7;
+        (location.*conversion)(&lng, &lat);
+        EXPECT_TRUE(same(lng, -73.9) && same(lat, 40.7));
+    }
+    double lng = -73.9;
+    double lat = 40.7;
+    location.GCJ02_TO_BD09(&lng, &lat);
+    EXPECT_NE(lng, -73.9);
+    EXPECT_NE(lat, 40.7);
+}
+
+TEST_F(LocationTest, GcjToBdOfTheOriginIsExactlyTheShift) {
+    double lng = 0.0;
+    double lat = 0.0;
+    location.GCJ02_TO_BD09(&lng, &lat);
+    EXPECT_EQ(lng, 0.0065);
+    EXPECT_EQ(lat, 0.006);
+}
+
+TEST_F(LocationTest, BdToGcjOfTheShiftedOriginStaysBecauseItIsOutside) {
+    double lng = 0.0065;
+    double lat = 0.006;
+    location.BD09_TO_GCJ02(&lng, &lat);
+    EXPECT_EQ(lng, 0.0065);
+    EXPECT_EQ(lat, 0.006);
+}
+
+TEST_F(LocationTest, RoundTripWgsGcjWgsIsCloseButNotExact) {
+    int inexact = 0;
+    for (double lng = 75.0; lng < 135.0; lng += 7.5) {
+        for (double lat = 5.0; lat < 53.0; lat += 6.0) {
+            double outLng = lng;
+            double outLat = lat;
+            location.WGS84_TO_GCJ02(&outLng, &outLat);
+            location.GCJ02_TO_WGS84(&outLng, &outLat);
+            // The offset changes little over a few hundred metres: within 1e-4 degrees.
+            EXPECT_NEAR(outLng, lng, 1e-4) << lng << ", " << lat;
+            EXPECT_NEAR(outLat, lat, 1e-4) << lng << ", " << lat;
+            if (outLng != lng || outLat != lat) {
+                ++inexact;
+            }
+        }
+    }
+    EXPECT_GT(inexact, 0);
+
+    double lng = 116.4;
+    double lat = 39.9;
+    location.WGS84_TO_GCJ02(&lng, &lat);
+    location.GCJ02_TO_WGS84(&lng, &lat);
+    EXPECT_NE(lng, 116.4);
+    EXPECT_NEAR(lng, 116.4, 1e-5);
+    EXPECT_NEAR(lat, 39.9, 1e-5);
+}
+
+TEST_F(LocationTest, RoundTripGcjBdGcjIsClose) {
+    double lng = 116.4;
+    double lat = 39.9;
+    location.GCJ02_TO_BD09(&lng, &lat);
+    location.BD09_TO_GCJ02(&lng, &lat);
+    EXPECT_NEAR(lng, 116.4, 1e-5);
+    EXPECT_NEAR(lat, 39.9, 1e-5);
+}
+
+TEST_F(LocationTest, NullPointerLeavesTheOtherCoordinateUntouched) {
+    for (Conversion conversion :
+         {&PRuntimeLocation::WGS84_TO_GCJ02, &PRuntimeLocation::GCJ02_TO_WGS84,
+          &PRuntimeLocation::GCJ02_TO_BD09, &PRuntimeLocation::BD09_TO_GCJ02}) {
+        double lat = 39.9;
+        (location.*conversion)(nullptr, &lat);
+        EXPECT_EQ(lat, 39.9);
+        double lng = 116.4;
+        (location.*conversion)(&lng, nullptr);
+        EXPECT_EQ(lng, 116.4);
+        (location.*conversion)(nullptr, nullptr);
+    }
+}
+
+TEST_F(LocationTest, NanAndInfinityPassOrBecomeNan) {
+    double lng = notANumber;
+    double lat = 39.9;
+    location.WGS84_TO_GCJ02(&lng, &lat);
+    EXPECT_TRUE(std::isnan(lng));
+    EXPECT_EQ(lat, 39.9);
+
+    lng = infinity;
+    lat = 39.9;
+    location.GCJ02_TO_WGS84(&lng, &lat);
+    EXPECT_EQ(lng, infinity);
+    EXPECT_EQ(lat, 39.9);
+
+    // No rectangle on the Baidu shift: the special values go through the arithmetic.
+    lng = notANumber;
+    lat = 0.0;
+    location.GCJ02_TO_BD09(&lng, &lat);
+    EXPECT_TRUE(std::isnan(lng));
+    EXPECT_TRUE(std::isnan(lat));
+    lng = infinity;
+    lat = 0.0;
+    location.GCJ02_TO_BD09(&lng, &lat);
+    EXPECT_TRUE(std::isnan(lng));
+    EXPECT_TRUE(std::isnan(lat));
+}
+
+// --- the region through the virtual table -------------------------------------------------
+
+TEST_F(LocationTest, ConversionsAskTheRegionThroughTheVirtualTable) {
+    RegionSpy spy;
+    spy.everywhereInside = true;
+    double lng = 2.35;
+    double lat = 48.85;
+    spy.WGS84_TO_GCJ02(&lng, &lat);
+    EXPECT_EQ(spy.calls, 1);
+    const reference::Point want = reference::wgsToGcj(2.35, 48.85, false);
+    EXPECT_TRUE(same(lng, want.lng) && same(lat, want.lat));
+
+    lng = 2.35;
+    lat = 48.85;
+    spy.GCJ02_TO_WGS84(&lng, &lat);
+    EXPECT_EQ(spy.calls, 2);
+    EXPECT_NE(lng, 2.35);
+}
+
+TEST_F(LocationTest, BaiduToGcjTestsTheBaiduInputAndTheOppositeWayTestsNothing) {
+    RegionSpy spy;
+    double lng = 116.41;
+    double lat = 39.91;
+    spy.GCJ02_TO_BD09(&lng, &lat);
+    EXPECT_EQ(spy.calls, 0);
+
+    const double bdLng = lng;
+    const double bdLat = lat;
+    spy.BD09_TO_GCJ02(&lng, &lat);
+    EXPECT_EQ(spy.calls, 1);
+    EXPECT_EQ(spy.lastLongitude, bdLng);
+    EXPECT_EQ(spy.lastLatitude, bdLat);
+}
