@@ -5,10 +5,9 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/bootstrap.sh
-cmake --preset default -DPALLIX_BUILD_TESTS=OFF -DPALLIX_BUILD_BENCHMARKS=OFF \
-    -DPALLIX_BUILD_FUZZERS=OFF -DPALLIX_BUILD_EXAMPLES=OFF > /dev/null
-cmake --build --preset default --target pallix > /dev/null
+cmake --preset tool > /dev/null
+cmake --build --preset tool --target pallix > /dev/null
 if [ $# -eq 0 ]; then
     set -- --help
 fi
-exec build/default/tools/pallix/pallix "$@"
+exec build/tool/tools/pallix/pallix "$@"

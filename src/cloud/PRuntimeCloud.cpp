@@ -1,5 +1,361 @@
 #include "PRuntimeCloud.h"
 
-PRuntimeCloud::PRuntimeCloud() noexcept = default;
+#include "NFileSystem.h"
+#include "XmlFile.h"
+
+#include <exception>
+#include <optional>
+#include <utility>
+
+namespace {
+
+// Everything one document says, gathered before any of it is applied: a failure half-way
+// through (an allocation) then leaves the object exactly as it was. An empty optional stands
+// for an element the document does not have, whose field therefore keeps its value.
+struct Reading {
+    std::optional<bool> advertisementPopup;
+    std::optional<bool> advertisementAutoInstall;
+    std::optional<bool> verifyGuideStatus;
+    std::optional<NString> verifyGuidePixmap;
+    std::list<PRuntimeCloudApplicationHash> applicationHash;
+    std::optional<bool> sellStatus;
+    std::optional<NString> sellTextDeviceInfo;
+    std::optional<NString> sellTextDeviceVerify;
+    std::optional<NString> authorizeAddress;
+    std::optional<std::uint16_t> authorizePort;
+    std::map<NString, PRuntimeCloudDevicePluginsItem> developerPlugins;
+    std::map<NString, PRuntimeCloudDevicePluginsItem> developerPluginsRvq;
+    std::optional<NString> driveVersion;
+    std::optional<NString> driveItunes32;
+    std::optional<NString> driveItunes64;
+    std::list<PRuntimeCloudDeviceProcessItem> processPlugins;
+    std::list<PRuntimeCloudDeviceProcessItem> processApplications;
+};
+
+// A missing attribute reads as false, as the empty text and as 0.
+bool flag(const pugi::xml_node& node, const char* name) {
+    return node.attribute(name).as_bool(false);
+}
+
+NString text(const pugi::xml_node& node, const char* name) {
+    return NString(node.attribute(name).as_string(""));
+}
+
+// Calls `visit` with every child element of `list` in document order, whatever its name. Text
+// between the children is not an entry.
+template <typename Visit> void forEachElement(const pugi::xml_node& list, Visit visit) {
+    for (pugi::xml_node child = list.first_child(); child; child = child.next_sibling()) {
+        if (child.type() == pugi::node_element) {
+            visit(child);
+        }
+    }
+}
+
+void readHashes(const pugi::xml_node& list, std::list<PRuntimeCloudApplicationHash>& into) {
+    forEachElement(list, [&into](const pugi::xml_node& entry) {
+        into.emplace_back(text(entry, "Name"), text(entry, "MD5"), text(entry, "Url"));
+    });
+}
+
+// The first package of a version wins, within one document as against earlier ones.
+void readPlugins(const pugi::xml_node& list,
+                 std::map<NString, PRuntimeCloudDevicePluginsItem>& into) {
+    forEachElement(list, [&into](const pugi::xml_node& entry) {
+        PRuntimeCloudDevicePluginsItem item(text(entry, "Version"), text(entry, "Url"),
+                                            text(entry, "Hash"));
+        NString key = item.version();
+        into.emplace(std::move(key), std::move(item));
+    });
+}
+
+void readRules(const pugi::xml_node& list, std::list<PRuntimeCloudDeviceProcessItem>& into) {
+    forEachElement(list, [&into](const pugi::xml_node& entry) {
+        into.emplace_back(text(entry, "StartsWith"), text(entry, "Contains"),
+                          text(entry, "EndsWith"), text(entry, "Name"));
+    });
+}
+
+void readApplication(const pugi::xml_node& application, Reading& reading) {
+    if (const pugi::xml_node advertisement = application.child("Advertisement")) {
+        if (const pugi::xml_node ios = advertisement.child("IosApplication")) {
+            reading.advertisementPopup = flag(ios, "AutoPopup");
+            reading.advertisementAutoInstall = flag(ios, "AutoInstall");
+        }
+    }
+    if (const pugi::xml_node applet = application.child("Applet")) {
+        if (const pugi::xml_node guide = applet.child("VerifyGuide")) {
+            reading.verifyGuideStatus = flag(guide, "Status");
+            reading.verifyGuidePixmap = text(guide, "Pixmap");
+        }
+    }
+    if (const pugi::xml_node hashes = application.child("Hash")) {
+        readHashes(hashes, reading.applicationHash);
+    }
+}
+
+void readCooperate(const pugi::xml_node& cooperate, Reading& reading) {
+    const pugi::xml_node hsb = cooperate.child("HSB");
+    if (!hsb) {
+        return;
+    }
+    if (const pugi::xml_node status = hsb.child("SellStatus")) {
+        reading.sellStatus = flag(status, "VALUE");
+    }
+    if (const pugi::xml_node info = hsb.child("SellTextDeviceInfo")) {
+        reading.sellTextDeviceInfo = text(info, "VALUE");
+    }
+    if (const pugi::xml_node verify = hsb.child("SellTextDeviceVerify")) {
+        reading.sellTextDeviceVerify = text(verify, "VALUE");
+    }
+    if (const pugi::xml_node authorize = hsb.child("Authorize")) {
+        reading.authorizeAddress = text(authorize, "ServiceIP");
+        // A port is 16 bits wide; anything above keeps only its low bits.
+        reading.authorizePort =
+            static_cast<std::uint16_t>(authorize.attribute("ServicePort").as_uint(0));
+    }
+}
+
+void readDevice(const pugi::xml_node& device, Reading& reading) {
+    if (const pugi::xml_node plugins = device.child("DeveloperPlugins")) {
+        readPlugins(plugins, reading.developerPlugins);
+    }
+    if (const pugi::xml_node plugins = device.child("DeveloperPlugins_RVQ")) {
+        readPlugins(plugins, reading.developerPluginsRvq);
+    }
+    if (const pugi::xml_node drive = device.child("Drive")) {
+        if (const pugi::xml_node version = drive.child("Version")) {
+            reading.driveVersion = text(version, "VALUE");
+        }
+        if (const pugi::xml_node itunes = drive.child("iTunes")) {
+            if (const pugi::xml_node x86 = itunes.child("X86")) {
+                reading.driveItunes32 = text(x86, "VALUE");
+            }
+            if (const pugi::xml_node x64 = itunes.child("X64")) {
+                reading.driveItunes64 = text(x64, "VALUE");
+            }
+        }
+    }
+    if (const pugi::xml_node manager = device.child("ProcessManager")) {
+        if (const pugi::xml_node plugins = manager.child("Plugins")) {
+            readRules(plugins, reading.processPlugins);
+        }
+        if (const pugi::xml_node process = manager.child("Process")) {
+            readRules(process, reading.processApplications);
+        }
+    }
+}
+
+template <typename T> void assignIfRead(T& field, std::optional<T>& value) noexcept {
+    if (value) {
+        field = std::move(*value);
+    }
+}
+
+PRuntimeCloudApplicationHash findHash(const std::list<PRuntimeCloudApplicationHash>& list,
+                                      const char* name) noexcept {
+    try {
+        for (const PRuntimeCloudApplicationHash& entry : list) {
+            if (entry.name() == name) {
+                return entry;
+            }
+        }
+    } catch (const std::exception&) {
+        // The copy could not be made; the caller sees no entry.
+    }
+    return PRuntimeCloudApplicationHash();
+}
+
+PRuntimeCloudDevicePluginsItem
+findPlugin(const std::map<NString, PRuntimeCloudDevicePluginsItem>& map,
+           const NString& version) noexcept {
+    // The empty version is never looked up, even when a package was filed under it.
+    if (version.empty()) {
+        return PRuntimeCloudDevicePluginsItem();
+    }
+    try {
+        const auto found = map.find(version);
+        if (found != map.end()) {
+            return found->second;
+        }
+    } catch (const std::exception&) {
+        // The copy could not be made; the caller sees no package.
+    }
+    return PRuntimeCloudDevicePluginsItem();
+}
+
+// An empty pattern holds for every name; the rule's own name is its payload, not a pattern.
+bool ruleHolds(const PRuntimeCloudDeviceProcessItem& rule, const NString& name) {
+    const bool starts = rule.startsWith().empty() || name.startsWith(rule.startsWith());
+    const bool contains = rule.contains().empty() || name.contains(rule.contains());
+    const bool ends = rule.endsWith().empty() || name.endsWith(rule.endsWith());
+    return starts && contains && ends;
+}
+
+bool findRule(const std::list<PRuntimeCloudDeviceProcessItem>& rules, const NString& name,
+              const PRuntimeCloud::ProcessCallback& callback) {
+    for (const PRuntimeCloudDeviceProcessItem& rule : rules) {
+        if (ruleHolds(rule, name)) {
+            // A caller that only asks whether some rule holds may pass no callback.
+            if (callback) {
+                callback(rule);
+            }
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+PRuntimeCloud::PRuntimeCloud() noexcept
+    : m_advertisementPopup(false), m_advertisementAutoInstall(false), m_verifyGuideStatus(false),
+      m_sellStatus(false), m_authorizePort(0) {}
 
 PRuntimeCloud::~PRuntimeCloud() = default;
+
+bool PRuntimeCloud::format(const NString& path) noexcept {
+    Reading reading;
+    try {
+        if (!NFileSystem::file::exist(NFileSystem::path(path))) {
+            return false;
+        }
+        pugi::xml_document document;
+        if (!pallix::XmlFile::load(document, path)) {
+            return false;
+        }
+        const pugi::xml_node root = document.child("Nevor");
+        if (!root) {
+            return true;
+        }
+        if (const pugi::xml_node application = root.child("Application")) {
+            readApplication(application, reading);
+        }
+        if (const pugi::xml_node cooperate = root.child("Cooperate")) {
+            readCooperate(cooperate, reading);
+        }
+        if (const pugi::xml_node device = root.child("Device")) {
+            readDevice(device, reading);
+        }
+    } catch (const std::exception&) {
+        // Out of memory while reading: nothing has been applied yet.
+        return false;
+    }
+
+    // From here on nothing allocates: values are moved in, list nodes spliced over and map
+    // nodes handed across, and merge() leaves behind every key this object already holds.
+    assignIfRead(m_advertisementPopup, reading.advertisementPopup);
+    assignIfRead(m_advertisementAutoInstall, reading.advertisementAutoInstall);
+    assignIfRead(m_verifyGuideStatus, reading.verifyGuideStatus);
+    assignIfRead(m_verifyGuidePixmap, reading.verifyGuidePixmap);
+    m_applicationHash.splice(m_applicationHash.end(), reading.applicationHash);
+    assignIfRead(m_sellStatus, reading.sellStatus);
+    assignIfRead(m_sellTextDeviceInfo, reading.sellTextDeviceInfo);
+    assignIfRead(m_sellTextDeviceVerify, reading.sellTextDeviceVerify);
+    assignIfRead(m_authorizeAddress, reading.authorizeAddress);
+    assignIfRead(m_authorizePort, reading.authorizePort);
+    m_developerPlugins.merge(reading.developerPlugins);
+    m_developerPluginsRvq.merge(reading.developerPluginsRvq);
+    assignIfRead(m_driveVersion, reading.driveVersion);
+    assignIfRead(m_driveItunes32, reading.driveItunes32);
+    assignIfRead(m_driveItunes64, reading.driveItunes64);
+    m_processPlugins.splice(m_processPlugins.end(), reading.processPlugins);
+    m_processApplications.splice(m_processApplications.end(), reading.processApplications);
+    return true;
+}
+
+bool PRuntimeCloud::application_advertisement_iosapp_popup() const noexcept {
+    return m_advertisementPopup;
+}
+
+bool PRuntimeCloud::application_advertisement_iosapp_auto_install() const noexcept {
+    return m_advertisementAutoInstall;
+}
+
+bool PRuntimeCloud::applet_verify_guide_status() const noexcept {
+    return m_verifyGuideStatus;
+}
+
+NString PRuntimeCloud::applet_verify_guide_pixmap() const noexcept {
+    try {
+        return m_verifyGuidePixmap;
+    } catch (const std::exception&) {
+        return NString();
+    }
+}
+
+PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_cpid() const noexcept {
+    return findHash(m_applicationHash, "CPID");
+}
+
+PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_crash_code() const noexcept {
+    return findHash(m_applicationHash, "CrashCode");
+}
+
+PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_restore_code() const noexcept {
+    return findHash(m_applicationHash, "RestoreCode");
+}
+
+PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_restore_version() const noexcept {
+    return findHash(m_applicationHash, "RestoreVersion");
+}
+
+PRuntimeCloudApplicationHash
+PRuntimeCloud::application_hash_developer_plugin_mapping() const noexcept {
+    return findHash(m_applicationHash, "DeveloperPluginMapping");
+}
+
+bool PRuntimeCloud::cooperate_hsb_sell_status() const noexcept {
+    return m_sellStatus;
+}
+
+const NString& PRuntimeCloud::cooperate_hsb_sell_text_device_info() const noexcept {
+    return m_sellTextDeviceInfo;
+}
+
+const NString& PRuntimeCloud::cooperate_hsb_sell_text_device_verify() const noexcept {
+    return m_sellTextDeviceVerify;
+}
+
+const NString& PRuntimeCloud::cooperate_hsb_device_authorize_ipaddress() const noexcept {
+    return m_authorizeAddress;
+}
+
+std::uint16_t PRuntimeCloud::cooperate_hsb_device_authorize_ipport() const noexcept {
+    return m_authorizePort;
+}
+
+PRuntimeCloudDevicePluginsItem
+PRuntimeCloud::device_plugins_find(const NString& version) const noexcept {
+    return findPlugin(m_developerPlugins, version);
+}
+
+PRuntimeCloudDevicePluginsItem
+PRuntimeCloud::device_plugins_find_by_rvq(const NString& version) const noexcept {
+    return findPlugin(m_developerPluginsRvq, version);
+}
+
+const NString& PRuntimeCloud::device_drive_version() const noexcept {
+    return m_driveVersion;
+}
+
+const NString& PRuntimeCloud::device_drive_itunes_32() const noexcept {
+    return m_driveItunes32;
+}
+
+const NString& PRuntimeCloud::device_drive_itunes_64() const noexcept {
+    return m_driveItunes64;
+}
+
+bool PRuntimeCloud::device_process_plugins_find(const NString& name,
+                                                const ProcessCallback& callback) const {
+    return findRule(m_processPlugins, name, callback);
+}
+
+bool PRuntimeCloud::device_process_application_find(const NString& name,
+                                                    const ProcessCallback& callback) const {
+    return findRule(m_processApplications, name, callback);
+}
+
+const NString& PRuntimeCloud::version() const noexcept {
+    return m_version;
+}

@@ -7,6 +7,13 @@
 namespace pallix {
 
 pugi::xml_parse_result XmlFile::load(pugi::xml_document& document, const NString& path) {
+    // A directory opens like a file on some systems and then reports an absurd size, which
+    // the parser would try to allocate; it can never be a document, so it fails here.
+    if (NFileSystem::path::isDirectory(NFileSystem::path(path))) {
+        pugi::xml_parse_result result;
+        result.status = pugi::status_io_error;
+        return result;
+    }
     return document.load_file(path.data(), pugi::parse_default, pugi::encoding_utf8);
 }
 

@@ -1,180 +1,87 @@
 #include "PRuntimeConfig.h"
 
-// Placeholder bodies: the configuration subsystem replaces them.
+#include "ConfigLocations.h"
+#include "NApple.h"
+#include "NFileSystem.h"
+#include "NSystem.h"
+#include "NevorFrameworkConfigDirectoryDefault.h"
+#include "RunningVersion.h"
+#include "_PALLIX_RUNTIME_CONFIG.h"
+
+// Start-up, shutdown and what start-up finds out. The file formats, the settings, the lists
+// and the directories live in files of their own.
 
 PRuntimeConfig::PRuntimeConfig() noexcept = default;
 
 PRuntimeConfig::~PRuntimeConfig() = default;
 
-void PRuntimeConfig::initialize() noexcept {}
+void PRuntimeConfig::initialize() noexcept {
+    try {
+        _PALLIX_RUNTIME_CONFIG& config = _globalFrameworkConfig;
+        config.newInstall = true;
+        config.newUpdate = false;
+        config.version = "5.0.0";
+        config.lastVersion = "5.0.0";
+        config.sameTimeDownloadNumber = 3;
+        config.downloadMaxSpeed = 0;
+        config.popupTimeADAPP = 0;
+        config.lastSkin = "236EE7";
+        config.lastLanguage = EPALLIX_RUNTIME_LANGUAGE(0);
+        config.restoreCore = EPALLIX_RUNTIME_RESTORE_CORE(0);
 
-void PRuntimeConfig::release() noexcept {}
+        // A configuration of an earlier release is carried over once, written in the current
+        // format and then removed, so that the next start reads the current file.
+        const NString legacy = pallix::config::legacyFilePath();
+        if (NFileSystem::file::exist(legacy)) {
+            load_old();
+            save();
+            NFileSystem::file::remove(legacy);
+        } else {
+            load_new();
+        }
 
-void PRuntimeConfig::load_old() noexcept {}
+        // Runs before the "Data" default below on purpose: on a first run there is no data
+        // directory to create yet; the first directory accessor creates it.
+        check_disk();
 
-void PRuntimeConfig::load_new() noexcept {}
+        pallix::config::readRunningVersion(config.version);
+        config.newUpdate = config.version != config.lastVersion;
+        config.lastVersion = config.version;
+        if (config.newUpdate) {
+            // An update brings a new firmware table; keep the cache whatever was chosen before.
+            _set_setting_status("KeepFirmwareCache", true);
+        }
 
-void PRuntimeConfig::save() noexcept {}
+        NevorFrameworkConfigDirectoryDefault("Data", NSystem::userHome() + "/TolVaneData");
+        NevorFrameworkConfigDirectoryDefault("Backup", NApple::BackupDirectory());
+    } catch (...) {
+        // Out of memory while starting: whatever was read so far stays.
+    }
+}
 
-void PRuntimeConfig::check_disk() noexcept {}
+void PRuntimeConfig::release() noexcept {
+    save();
+}
 
-void PRuntimeConfig::_set_setting_status(const NString& /*name*/, bool /*status*/) noexcept {}
-
-bool PRuntimeConfig::_get_setting_status(const NString& /*name*/,
-                                         bool /*defaultStatus*/) const noexcept {
-    return false;
+void PRuntimeConfig::check_disk() noexcept {
+    try {
+        NFileSystem::directory::create(getConfigDirectory("Data"), 0755);
+    } catch (...) {
+    }
 }
 
 bool PRuntimeConfig::newInstall() noexcept {
-    return false;
+    return _globalFrameworkConfig.newInstall;
 }
 
 NString PRuntimeConfig::version() noexcept {
-    return NString();
+    try {
+        return _globalFrameworkConfig.version;
+    } catch (...) {
+        return NString();
+    }
 }
 
 bool PRuntimeConfig::newUpdate() noexcept {
-    return false;
-}
-
-void PRuntimeConfig::setPopupTimeADAPP(unsigned long long /*time*/) noexcept {}
-
-unsigned long long PRuntimeConfig::getPopupTimeADAPP() noexcept {
-    return 0;
-}
-
-void PRuntimeConfig::setSameTimeDownloadNumber(int /*number*/) noexcept {}
-
-int PRuntimeConfig::getSameTimeDownloadNumber() noexcept {
-    return 0;
-}
-
-void PRuntimeConfig::setDownloadMaxSpeed(long long /*speed*/) noexcept {}
-
-long long PRuntimeConfig::getDownloadMaxSpeed() noexcept {
-    return 0;
-}
-
-void PRuntimeConfig::setLastSkin(const NString& /*skin*/) noexcept {}
-
-NString PRuntimeConfig::getLastSkin() noexcept {
-    return NString();
-}
-
-void PRuntimeConfig::setLastLanguage(EPALLIX_RUNTIME_LANGUAGE /*language*/) noexcept {}
-
-EPALLIX_RUNTIME_LANGUAGE PRuntimeConfig::getLastLanguage() noexcept {
-    return EPALLIX_RUNTIME_LANGUAGE(0);
-}
-
-void PRuntimeConfig::setRestoreCore(EPALLIX_RUNTIME_RESTORE_CORE /*core*/) noexcept {}
-
-EPALLIX_RUNTIME_RESTORE_CORE PRuntimeConfig::getRestoreCore() noexcept {
-    return EPALLIX_RUNTIME_RESTORE_CORE(0);
-}
-
-void PRuntimeConfig::setConfigDirectory(const NString& /*name*/, const NString& /*path*/) noexcept {
-}
-
-NString PRuntimeConfig::getConfigDirectory(const NString& /*name*/) noexcept {
-    return NString();
-}
-
-void PRuntimeConfig::setSettingStatus(const NString& /*name*/, bool /*status*/) noexcept {}
-
-bool PRuntimeConfig::getSettingStatus(const NString& /*name*/) const noexcept {
-    return false;
-}
-
-void PRuntimeConfig::setToolsHot(const NString& /*tool*/, bool /*hot*/) noexcept {}
-
-bool PRuntimeConfig::getToolsHot(const NString& /*tool*/) noexcept {
-    return false;
-}
-
-void PRuntimeConfig::setAutoImportRingtone(bool /*on*/) noexcept {}
-
-bool PRuntimeConfig::getAutoImportRingtone() const noexcept {
-    return false;
-}
-
-void PRuntimeConfig::customBackupAppend(const NString& /*directory*/) noexcept {}
-
-void PRuntimeConfig::customBackupRemove(const NString& /*directory*/) noexcept {}
-
-void PRuntimeConfig::customBackupTraverse(std::function<void(const NString&)> /*visit*/) noexcept {}
-
-void PRuntimeConfig::fileCollectAppend(const NString& /*path*/, bool /*root*/) noexcept {}
-
-void PRuntimeConfig::fileCollectRemove(const NString& /*path*/, bool /*root*/) noexcept {}
-
-void PRuntimeConfig::fileCollectTraverse(
-    const std::function<bool(const NString&, bool)>& /*visit*/) noexcept {}
-
-void PRuntimeConfig::virtualLocationAppend(double /*x*/, double /*y*/,
-                                           const NString& /*location*/) noexcept {}
-
-void PRuntimeConfig::virtualLocationRemove(double /*x*/, double /*y*/) noexcept {}
-
-void PRuntimeConfig::virtualLocationClear() noexcept {}
-
-void PRuntimeConfig::virtualLocationTraverse(
-    const std::function<void(double, double, const NString&)>& /*visit*/) noexcept {}
-
-void PRuntimeConfig::locationCollectAppend(double /*x*/, double /*y*/,
-                                           const NString& /*location*/) noexcept {}
-
-void PRuntimeConfig::locationCollectRemove(double /*x*/, double /*y*/) noexcept {}
-
-void PRuntimeConfig::locationCollectClear() noexcept {}
-
-void PRuntimeConfig::locationCollectTraverse(
-    const std::function<void(double, double, const NString&)>& /*visit*/) noexcept {}
-
-NString PRuntimeConfig::localRoot() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localFirmwareSave() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localFirmwareArchiver() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localDownload() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localRestoreVersion() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localRingtoneSave() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localRingtoneMake() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localPluginsSave() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localScreenSave() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localPicturePreview() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localNormal() noexcept {
-    return NString();
-}
-
-NString PRuntimeConfig::localNormalBottomBackup() noexcept {
-    return NString();
+    return _globalFrameworkConfig.newUpdate;
 }

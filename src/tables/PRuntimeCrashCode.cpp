@@ -1,5 +1,67 @@
 #include "PRuntimeCrashCode.h"
 
+#include "NFileSystem.h"
+#include "XmlFile.h"
+
+#include <new>
+
 PRuntimeCrashCode::PRuntimeCrashCode() noexcept = default;
 
 PRuntimeCrashCode::~PRuntimeCrashCode() = default;
+
+bool PRuntimeCrashCode::format(const NString& path) noexcept {
+    m_rows.clear();
+    try {
+        if (!NFileSystem::path::exist(NFileSystem::path(path))) {
+            return false;
+        }
+        pugi::xml_document document;
+        if (!pallix::XmlFile::load(document, path)) {
+            return false;
+        }
+        const pugi::xml_node root = document.child("CRASH");
+        for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
+            // Only elements are rows: stray text would otherwise become a row with an empty
+            // key, which matches every query.
+            if (item.type() != pugi::node_element) {
+                continue;
+            }
+            const PRuntimeInfoCrash row(item.attribute("KEY").as_string(),
+                                        item.attribute("REASON").as_string(),
+                                        item.attribute("SOLUTION").as_string());
+            append(row);
+        }
+        return true;
+    } catch (const std::bad_alloc&) {
+        m_rows.clear();
+        return false;
+    }
+}
+
+void PRuntimeCrashCode::append(const PRuntimeInfoCrash& row) noexcept {
+    try {
+        m_rows.push_back(row);
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+void PRuntimeCrashCode::traverse(
+    const std::function<void(const PRuntimeInfoCrash&)>& callback) const noexcept {
+    for (const PRuntimeInfoCrash& row : m_rows) {
+        callback(row);
+    }
+}
+
+void PRuntimeCrashCode::find(
+    const NString& key,
+    const std::function<void(const PRuntimeInfoCrash&)>& callback) const noexcept {
+    if (!callback) {
+        return;
+    }
+    for (const PRuntimeInfoCrash& row : m_rows) {
+        if (row.isMatch(key)) {
+            callback(row);
+            return;
+        }
+    }
+}

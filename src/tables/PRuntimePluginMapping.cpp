@@ -1,5 +1,72 @@
 #include "PRuntimePluginMapping.h"
 
+#include "NFileSystem.h"
+#include "XmlFile.h"
+
+#include <new>
+#include <utility>
+
 PRuntimePluginMapping::PRuntimePluginMapping() noexcept = default;
 
 PRuntimePluginMapping::~PRuntimePluginMapping() = default;
+
+bool PRuntimePluginMapping::format(const NString& path) noexcept {
+    m_mappings.clear();
+    try {
+        if (!NFileSystem::path::exist(NFileSystem::path(path))) {
+            return false;
+        }
+        pugi::xml_document document;
+        if (!pallix::XmlFile::load(document, path)) {
+            return false;
+        }
+        const pugi::xml_node root = document.child("Nevor");
+        for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
+            if (item.type() != pugi::node_element) {
+                continue;
+            }
+            const char* version = item.attribute("Version").as_string();
+            const char* mapping = item.attribute("Mapping").as_string();
+            // A half-written entry would map a version to nothing; such entries are skipped.
+            if (*version == '\0' || *mapping == '\0') {
+                continue;
+            }
+            m_mappings.emplace(NString(version), NString(mapping));
+        }
+        return true;
+    } catch (const std::bad_alloc&) {
+        m_mappings.clear();
+        return false;
+    }
+}
+
+bool PRuntimePluginMapping::find(
+    const NString& version, const std::function<void(const NString&)>& callback) const noexcept {
+    if (version.empty() || !callback) {
+        return false;
+    }
+    const auto found = m_mappings.find(version);
+    if (found == m_mappings.end()) {
+        return false;
+    }
+    callback(found->second);
+    return true;
+}
+
+bool PRuntimePluginMapping::find(const NString& version, NString& out) const noexcept {
+    if (version.empty()) {
+        return false;
+    }
+    const auto found = m_mappings.find(version);
+    if (found == m_mappings.end()) {
+        return false;
+    }
+    try {
+        // Copied aside first: a failed copy must leave `out` as it was.
+        NString copy(found->second);
+        out = std::move(copy);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}

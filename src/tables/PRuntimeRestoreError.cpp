@@ -1,5 +1,58 @@
 #include "PRuntimeRestoreError.h"
 
+#include "NFileSystem.h"
+#include "XmlFile.h"
+
+#include <new>
+
 PRuntimeRestoreError::PRuntimeRestoreError() noexcept = default;
 
 PRuntimeRestoreError::~PRuntimeRestoreError() = default;
+
+bool PRuntimeRestoreError::format(const NString& path) noexcept {
+    m_rows.clear();
+    try {
+        if (!NFileSystem::path::exist(NFileSystem::path(path))) {
+            return false;
+        }
+        pugi::xml_document document;
+        if (!pallix::XmlFile::load(document, path)) {
+            return false;
+        }
+        const pugi::xml_node root = document.child("APPLE");
+        for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
+            if (item.type() != pugi::node_element) {
+                continue;
+            }
+            // The parser's integer reading takes decimal, 0x hexadecimal and a leading minus;
+            // anything it cannot read lands on code 0.
+            const PRuntimeInfoRestoreError row(item.attribute("CODE").as_llong(0),
+                                               item.attribute("DESCRIBE").as_string(),
+                                               item.attribute("SOLUTION").as_string());
+            append(row);
+        }
+        return true;
+    } catch (const std::bad_alloc&) {
+        m_rows.clear();
+        return false;
+    }
+}
+
+void PRuntimeRestoreError::append(const PRuntimeInfoRestoreError& row) noexcept {
+    try {
+        m_rows.emplace(row.code(), row);
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+void PRuntimeRestoreError::find(
+    long long code,
+    const std::function<void(const PRuntimeInfoRestoreError&)>& callback) const noexcept {
+    if (!callback) {
+        return;
+    }
+    const auto found = m_rows.find(code);
+    if (found != m_rows.end()) {
+        callback(found->second);
+    }
+}

@@ -1,0 +1,27 @@
+#include "PRuntimeCloudDeviceProcessItem.h"
+
+#include <utility>
+
+PRuntimeCloudDeviceProcessItem::PRuntimeCloudDeviceProcessItem(NString startsWith, NString contains,
+                                                               NString endsWith,
+                                                               NString name) noexcept
+    : m_startsWith(std::move(startsWith)), m_contains(std::move(contains)),
+      m_endsWith(std::move(endsWith)), m_name(std::move(name)) {}
+
+PRuntimeCloudDeviceProcessItem::~PRuntimeCloudDeviceProcessItem() = default;
+
+const NString& PRuntimeCloudDeviceProcessItem::startsWith() const noexcept {
+    return m_startsWith;
+}
+
+const NString& PRuntimeCloudDeviceProcessItem::contains() const noexcept {
+    return m_contains;
+}
+
+const NString& PRuntimeCloudDeviceProcessItem::endsWith() const noexcept {
+    return m_endsWith;
+}
+
+const NString& PRuntimeCloudDeviceProcessItem::name() const noexcept {
+    return m_name;
+}

@@ -1,0 +1,20 @@
+#include "NevorFrameworkConfigDirectoryDefault.h"
+
+#include "_PALLIX_RUNTIME_CONFIG.h"
+
+void NevorFrameworkConfigDirectoryDefault(const NString& name,
+                                          const NString& defaultPath) noexcept {
+    try {
+        std::map<NString, NString>& directory = _globalFrameworkConfig.directory;
+        const auto found = directory.find(name);
+        if (found != directory.end()) {
+            if (found->second.exist()) {
+                return;
+            }
+            directory.erase(found);
+        }
+        directory.emplace(name, defaultPath);
+    } catch (...) {
+        // Out of memory: the directory stays without a default.
+    }
+}

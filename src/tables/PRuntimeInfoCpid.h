@@ -1,0 +1,39 @@
+#pragma once
+
+#include "NString.h"
+#include "PallixRuntimeExport.h"
+
+// One row of the chip identifier table: a chip and board identifier pair (upper-case
+// hexadecimal text, four and two digits) and the device model it stands for. A board of "00"
+// marks the chip's default row.
+//
+// The order of the virtual operations is part of the binary interface.
+class PALLIX_RUNTIME_EXPORT PRuntimeInfoCpid {
+public:
+    PRuntimeInfoCpid() noexcept;
+    // Should copying the texts run out of memory, the row stays empty.
+    PRuntimeInfoCpid(const NString& cpid, const NString& bdid, const NString& mode,
+                     const NString& network, const NString& product, bool support) noexcept;
+    PRuntimeInfoCpid(const PRuntimeInfoCpid&);
+    PRuntimeInfoCpid(PRuntimeInfoCpid&&) noexcept;
+    PRuntimeInfoCpid& operator=(const PRuntimeInfoCpid&);
+    PRuntimeInfoCpid& operator=(PRuntimeInfoCpid&&) noexcept;
+    virtual ~PRuntimeInfoCpid();
+
+    // Exact, case-sensitive equality of both texts: "0c" and "C" never match a board "0C".
+    virtual bool isMatch(const NString& cpid, const NString& bdid) const noexcept;
+    virtual const NString& cpid() const noexcept;
+    virtual const NString& bdid() const noexcept;
+    virtual const NString& mode() const noexcept;
+    virtual const NString& network() const noexcept;
+    virtual const NString& product() const noexcept;
+    virtual bool support() const noexcept;
+
+private:
+    NString m_cpid;
+    NString m_bdid;
+    NString m_mode;
+    NString m_network;
+    NString m_product;
+    bool m_support = false;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "NString.h"
+#include "PallixRuntimeExport.h"
+
+// One row of the restore error table: a restore error code (often negative) and what to tell
+// the user about it.
+//
+// The order of the virtual operations is part of the binary interface.
+class PALLIX_RUNTIME_EXPORT PRuntimeInfoRestoreError {
+public:
+    PRuntimeInfoRestoreError() noexcept;
+    // Should copying the texts run out of memory, the row keeps its code and empty texts.
+    PRuntimeInfoRestoreError(long long code, const NString& describe,
+                             const NString& solution) noexcept;
+    PRuntimeInfoRestoreError(const PRuntimeInfoRestoreError&);
+    PRuntimeInfoRestoreError(PRuntimeInfoRestoreError&&) noexcept;
+    PRuntimeInfoRestoreError& operator=(const PRuntimeInfoRestoreError&);
+    PRuntimeInfoRestoreError& operator=(PRuntimeInfoRestoreError&&) noexcept;
+    virtual ~PRuntimeInfoRestoreError();
+
+    virtual bool isMatch(long long code) const noexcept;
+    virtual long long code() const noexcept;
+    virtual const NString& describe() const noexcept;
+    virtual const NString& solution() const noexcept;
+
+private:
+    long long m_code = 0;
+    NString m_describe;
+    NString m_solution;
+};

@@ -1,0 +1,75 @@
+# Script mode: BUILD_DIR, CONSUMER_DIR, WORK_DIR, CXX_COMPILER, GENERATOR, SANITIZE.
+# A sanitizer build's libraries need the same runtime in the consumers.
+set(consumer_flags "")
+if(SANITIZE)
+    set(consumer_flags "-fsanitize=${SANITIZE}")
+endif()
+file(REMOVE_RECURSE ${WORK_DIR})
+set(prefix ${WORK_DIR}/prefix)
+
+function(run_step description)
+    execute_process(COMMAND ${ARGN}
+        RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+    if(NOT result EQUAL 0)
+        message(FATAL_ERROR "${description} failed (${result}):\n${output}\n${errors}")
+    endif()
+    set(step_output "${output}" PARENT_SCOPE)
+endfunction()
+
+run_step("install" ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+
+foreach(required
+        include/PallixRuntime/PallixRuntime.h
+        include/PallixRuntime/PRuntime.h
+        include/PallixRuntime/NString.h
+        include/PallixRuntime/PallixRuntimeExport.h
+        lib/cmake/PallixRuntime/PallixRuntimeConfig.cmake
+        lib/cmake/PallixRuntime/PallixRuntimeConfigVersion.cmake
+        lib/pkgconfig/PallixRuntime.pc
+        bin/pallix)
+    file(GLOB found ${prefix}/${required} ${prefix}/lib*/${required}
+        ${prefix}/lib/*/${required})
+    string(REPLACE "lib/" "" tail ${required})
+    file(GLOB_RECURSE found_anywhere ${prefix}/*/${tail})
+    if(NOT EXISTS ${prefix}/${required} AND NOT found_anywhere)
+        message(FATAL_ERROR "the installed tree lacks ${required}")
+    endif()
+endforeach()
+file(GLOB_RECURSE sonames ${prefix}/*libPallixRuntime.so.5)
+if(NOT sonames)
+    message(FATAL_ERROR "the installed tree lacks libPallixRuntime.so.5")
+endif()
+
+# The installed tool runs from the prefix, finding its library through its relative RPATH.
+run_step("installed pallix --version" ${prefix}/bin/pallix --version)
+if(NOT step_output MATCHES "pallix 5\\.0\\.0")
+    message(FATAL_ERROR "unexpected version output: ${step_output}")
+endif()
+
+# Consumer 1: the CMake package.
+run_step("configure the CMake consumer" ${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/cmake
+    -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DCMAKE_PREFIX_PATH=${prefix}
+    "-DCMAKE_CXX_FLAGS=${consumer_flags}")
+run_step("build the CMake consumer" ${CMAKE_COMMAND} --build ${WORK_DIR}/cmake)
+run_step("run the CMake consumer" ${WORK_DIR}/cmake/consumer)
+if(NOT step_output MATCHES "consumer: root ready")
+    message(FATAL_ERROR "unexpected consumer output: ${step_output}")
+endif()
+
+# Consumer 2: pkg-config, with the prefix redefined to the scratch tree.
+file(GLOB_RECURSE pc_file ${prefix}/*PallixRuntime.pc)
+get_filename_component(pc_dir ${pc_file} DIRECTORY)
+set(ENV{PKG_CONFIG_PATH} ${pc_dir})
+run_step("pkg-config" pkg-config --define-variable=prefix=${prefix} --cflags --libs
+    PallixRuntime)
+string(STRIP "${step_output}" flags)
+separate_arguments(flags UNIX_COMMAND "${flags}")
+file(GLOB_RECURSE library ${prefix}/*libPallixRuntime.so)
+get_filename_component(libdir ${library} DIRECTORY)
+run_step("build the pkg-config consumer" ${CXX_COMPILER} -std=c++17 -fPIC ${consumer_flags}
+    ${CONSUMER_DIR}/main.cpp -o ${WORK_DIR}/pkgconfig-consumer ${flags}
+    -Wl,-rpath,${libdir})
+run_step("run the pkg-config consumer" ${WORK_DIR}/pkgconfig-consumer)
+if(NOT step_output MATCHES "consumer: root ready")
+    message(FATAL_ERROR "unexpected consumer output: ${step_output}")
+endif()
