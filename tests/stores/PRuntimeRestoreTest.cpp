@@ -228,6 +228,22 @@ TEST_F(RestoreStoreTest, TheRootHandsOutOneRestoreComponent) {
     PRuntime::freeInstance();
 }
 
+TEST_F(RestoreStoreTest, TheOwnedRestoreErrorTableExplainsErrorCodes) {
+    PRuntimeRestore restore;
+    PRuntimeRestoreError* table = restore.restoreError();
+    ASSERT_TRUE(table->format(NString(PALLIX_SAMPLES_DIR "/restore-error.xml")));
+    std::string description;
+    table->find(-1, [&description](const PRuntimeInfoRestoreError& row) {
+        description = row.describe().toStdString();
+    });
+    EXPECT_FALSE(description.empty());
+    // The table belongs to this component: another one starts empty.
+    PRuntimeRestore other;
+    bool found = false;
+    other.restoreError()->find(-1, [&found](const PRuntimeInfoRestoreError&) { found = true; });
+    EXPECT_FALSE(found);
+}
+
 // ---------------------------------------------------------------------------------------------
 // Auto-activation choices
 
