@@ -1,12 +1,9 @@
 #pragma once
 
-// A private configuration directory for the store harnesses, made on first use and removed
-// when the process ends.
-
 #include "NApplication.h"
+#include "NString.h"
 
-#include <unistd.h>
-
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -15,27 +12,54 @@
 
 namespace pallix::fuzz {
 
-inline const std::string& configDirectory() {
-    static const std::string directory = [] {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "pallix-fuzz-stores-XXXXXX").string();
+// A private configuration directory for the harness, made once per process and handed to the
+// library as the application's configuration directory.
+// It is removed with its contents when the process ends normally.
+class ConfigDirectory {
+public:
+    ConfigDirectory() {
+        const std::filesystem::path base = std::filesystem::temp_directory_path();
+        std::string pattern = (base / "pallix-fuzz-stores-XXXXXX").string();
         if (::mkdtemp(&pattern[0]) == nullptr) {
             std::abort();
         }
-        static const std::string removed = pattern;
-        std::atexit([] {
-            std::error_code ignored;
-            std::filesystem::remove_all(removed, ignored);
-        });
-        NApplication::setDirectoryConfig(NString(pattern));
-        return pattern;
-    }();
-    return directory;
+        m_path = pattern;
+        NApplication::setDirectoryConfig(NString(m_path));
+    }
+    ~ConfigDirectory() {
+        std::error_code ignored;
+        if (!m_path.empty()) {
+            std::filesystem::remove_all(m_path, ignored);
+        }
+    }
+    ConfigDirectory(const ConfigDirectory&) = delete;
+    ConfigDirectory& operator=(const ConfigDirectory&) = delete;
+
+    const std::string& path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+inline const std::string& configDirectory() {
+    static const ConfigDirectory directory;
+    return directory.path();
 }
 
+// Replaces the file at `path` with the fuzzer's input.
 inline void writeFile(const std::string& path, const std::uint8_t* data, std::size_t size) {
     std::ofstream output(path, std::ios::binary | std::ios::trunc);
-    output.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    if (size > 0) {
+        output.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    }
+}
+
+// Replaces `name` in the configuration directory with the fuzzer's input.
+inline void writeInput(const std::string& name, const std::uint8_t* data, std::size_t size) {
+    std::ofstream output(configDirectory() + "/" + name, std::ios::binary | std::ios::trunc);
+    if (size > 0) {
+        output.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    }
 }
 
 } // namespace pallix::fuzz

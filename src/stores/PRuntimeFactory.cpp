@@ -1,5 +1,140 @@
 #include "PRuntimeFactory.h"
 
-PRuntimeFactory::PRuntimeFactory() noexcept = default;
+#include "NApplication.h"
+#include "NFileSystem.h"
+#include "NJsonObject.h"
+
+#include <cstdlib>
+#include <vector>
+
+namespace {
+
+NString factoryPath() {
+    return NApplication::DirectoryConfig() + "/Factory.json";
+}
+
+// Member names are meant to be "%016llX", but the file may have been edited by hand: parse as
+// strtoull does (white space, sign and "0x" allowed, stops at the first non-digit, saturates).
+unsigned long long parseDeviceId(const NString& name) {
+    return std::strtoull(name.data(), nullptr, 16);
+}
+
+} // namespace
+
+PRuntimeFactory::PRuntimeFactory() noexcept : m_mutex(NMutex::Recursive) {}
 
 PRuntimeFactory::~PRuntimeFactory() = default;
+
+void PRuntimeFactory::_read() noexcept {
+    NMutexAuto guard(m_mutex);
+    try {
+        const NJsonObject document(NFileSystem::file::toBytes(factoryPath()));
+        if (!document.exist()) {
+            return;
+        }
+        std::vector<NString> names;
+        document.traverse([&names](const NString& name) { names.push_back(name); });
+        for (const NString& name : names) {
+            const unsigned long long id = parseDeviceId(name);
+            const NJsonObject values = document.toObject(name);
+            if (!values.exist()) {
+                continue;
+            }
+            NDeviceInfoFactory info;
+            values.traverse(
+                [&info, &values](const NString& key) { info.append(key, values.toBytes(key)); });
+            if (info.exist() && id != 0) {
+                // emplace keeps the record already there: of two names for one device
+                // ("1a2b" and "0000000000001A2B") the first read wins.
+                m_devices.emplace(id, std::move(info));
+            }
+        }
+    } catch (...) {
+        // Out of memory while reading: keep what was read so far.
+    }
+}
+
+void PRuntimeFactory::_write() noexcept {
+    NMutexAuto guard(m_mutex);
+    try {
+        NJsonObject document;
+        for (const auto& [id, info] : m_devices) {
+            if (!info.exist()) {
+                continue;
+            }
+            NJsonObject values;
+            info.traverse([&values](const NString& key, const NByteArray& value) {
+                values.append(key, value);
+            });
+            document.append(NString::format("%016llX", id), values);
+        }
+        const NString text = document.toString();
+        NFileSystem::file::fromBytes(factoryPath(), NByteArray(text.toStdString()));
+    } catch (...) {
+        // Out of memory while building the text: the file keeps its earlier content.
+    }
+}
+
+void PRuntimeFactory::initialize() noexcept {
+    NMutexAuto guard(m_mutex);
+    if (!m_initialized) {
+        // Set first: a file that cannot be read is not retried on every operation.
+        m_initialized = true;
+        _read();
+    }
+}
+
+bool PRuntimeFactory::empty() noexcept {
+    NMutexAuto guard(m_mutex);
+    initialize();
+    return m_devices.empty();
+}
+
+bool PRuntimeFactory::exist() noexcept {
+    NMutexAuto guard(m_mutex);
+    initialize();
+    return !m_devices.empty();
+}
+
+void PRuntimeFactory::append(unsigned long long id, const NDeviceInfoFactory& info) noexcept {
+    NMutexAuto guard(m_mutex);
+    initialize();
+    try {
+        m_devices.insert_or_assign(id, info);
+    } catch (...) {
+        return;
+    }
+    _write();
+}
+
+bool PRuntimeFactory::find(unsigned long long id) noexcept {
+    NMutexAuto guard(m_mutex);
+    initialize();
+    return m_devices.count(id) != 0;
+}
+
+void PRuntimeFactory::remove(unsigned long long id) noexcept {
+    NMutexAuto guard(m_mutex);
+    initialize();
+    m_devices.erase(id);
+    _write();
+}
+
+void PRuntimeFactory::traverse(const Visitor& visit) noexcept {
+    std::map<unsigned long long, NDeviceInfoFactory> copy;
+    m_mutex.lock();
+    initialize();
+    try {
+        copy = m_devices;
+    } catch (...) {
+        m_mutex.unlock();
+        return;
+    }
+    m_mutex.unlock();
+    if (!visit) {
+        return;
+    }
+    for (const auto& [id, info] : copy) {
+        visit(id, info);
+    }
+}

@@ -1,0 +1,136 @@
+#include "PRuntimeRestoreCustomFirmware.h"
+
+#include "NApplication.h"
+#include "NFileSystem.h"
+#include "XmlFile.h"
+
+namespace {
+
+NString customFirmwarePath() {
+    return NApplication::DirectoryConfig() + "/RestoreIpsw.xml";
+}
+
+} // namespace
+
+PRuntimeRestoreCustomFirmware::PRuntimeRestoreCustomFirmware() noexcept
+    : m_mutex(NMutex::Recursive) {
+    // The member stays false on purpose; reading it keeps compilers from calling it unused.
+    (void)m_loaded;
+}
+
+PRuntimeRestoreCustomFirmware::~PRuntimeRestoreCustomFirmware() = default;
+
+void PRuntimeRestoreCustomFirmware::_read() noexcept {
+    NMutexAuto guard(m_mutex);
+    m_matches.clear();
+    try {
+        pugi::xml_document document;
+        if (!pallix::XmlFile::load(document, customFirmwarePath())) {
+            return;
+        }
+        const pugi::xml_node container = document.child("Rilo").child("MATCH");
+        if (!container) {
+            return;
+        }
+        for (pugi::xml_node entry = container.first_child(); entry; entry = entry.next_sibling()) {
+            const NString url(entry.attribute("URL").as_string());
+            const NString local(entry.attribute("LOCAL").as_string());
+            if (NFileSystem::path::exist(local)) {
+                // emplace keeps the entry already there: the first live match of a url wins.
+                m_matches.emplace(url, local);
+            }
+        }
+    } catch (...) {
+        // Out of memory while reading: keep what was read so far.
+    }
+}
+
+void PRuntimeRestoreCustomFirmware::_write() noexcept {
+    NMutexAuto guard(m_mutex);
+    try {
+        pugi::xml_document document;
+        pallix::XmlFile::prependDeclaration(document, "UTF-8", true);
+        pugi::xml_node container = document.append_child("Rilo").append_child("MATCH");
+        for (const auto& [url, local] : m_matches) {
+            pugi::xml_node entry = container.append_child("MATCH");
+            entry.append_attribute("URL").set_value(url.data());
+            entry.append_attribute("LOCAL").set_value(local.data());
+        }
+        // The file is replaced atomically rather than deleted and written again, so that a
+        // crash never leaves it missing or cut short. A save that fails still ends with no
+        // file, as if the old one had been deleted before writing.
+        const NString path = customFirmwarePath();
+        if (!pallix::XmlFile::save(document, path)) {
+            NFileSystem::file::remove(path);
+        }
+    } catch (...) {
+        // Out of memory while building the document: the file is left as it was.
+    }
+}
+
+void PRuntimeRestoreCustomFirmware::append(const NString& url, const NString& local) noexcept {
+    _read();
+    NMutexAuto guard(m_mutex);
+    try {
+        m_matches.insert_or_assign(url, local);
+    } catch (...) {
+        return;
+    }
+    _write();
+}
+
+void PRuntimeRestoreCustomFirmware::remove(const NString& url) noexcept {
+    _read();
+    NMutexAuto guard(m_mutex);
+    m_matches.erase(url);
+    _write();
+}
+
+bool PRuntimeRestoreCustomFirmware::find(const NString& url, const Visitor& visit) noexcept {
+    _read();
+    NMutexAuto guard(m_mutex);
+    NString local;
+    try {
+        const auto found = m_matches.find(url);
+        if (found == m_matches.end()) {
+            return false;
+        }
+        // A copy: the callback may use the store, whose next operation rebuilds the table.
+        local = found->second;
+    } catch (...) {
+        return false;
+    }
+    if (visit) {
+        visit(local);
+    }
+    return true;
+}
+
+bool PRuntimeRestoreCustomFirmware::find(const NString& url, NString& local) noexcept {
+    _read();
+    NMutexAuto guard(m_mutex);
+    const auto found = m_matches.find(url);
+    if (found == m_matches.end()) {
+        return false;
+    }
+    try {
+        local = found->second;
+    } catch (...) {
+        return false;
+    }
+    return true;
+}
+
+NString PRuntimeRestoreCustomFirmware::find(const NString& url) noexcept {
+    _read();
+    NMutexAuto guard(m_mutex);
+    const auto found = m_matches.find(url);
+    if (found == m_matches.end()) {
+        return NString();
+    }
+    try {
+        return found->second;
+    } catch (...) {
+        return NString();
+    }
+}
