@@ -43,7 +43,7 @@ TEST(ToolsCloud, OverviewShowsTheSwitches) {
 TEST(ToolsCloud, OverviewShowsEveryReferenceFileWithDigestAndAddress) {
     const auto result = runTool({"cloud", kSample});
     ASSERT_EQ(result.status, 0) << result.errors;
-    EXPECT_THAT(result.output, HasSubstr("  CPID\n    digest:  732db8beca1f908d8f5bc242537ae3c7\n"
+    EXPECT_THAT(result.output, HasSubstr("  CPID\n    digest:  51025cfd67fbe5ef5242bb4ddb43c48e\n"
                                          "    address: https://cdn.pallix.example/runtime/5/"
                                          "cpid.xml\n"));
     EXPECT_THAT(result.output, HasSubstr("  CrashCode\n    digest:  "));
@@ -123,7 +123,7 @@ TEST(ToolsCloud, HashQueryPrintsNameDigestAndAddress) {
     const auto result = runTool({"cloud", kSample, "--hash", "CrashCode"});
     ASSERT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(result.output, "reference file\n  CrashCode\n"
-                             "    digest:  545e662d63026aedfa4aab38de700d5b\n"
+                             "    digest:  e8a957cb86dfdac099d29be57d484f17\n"
                              "    address: https://cdn.pallix.example/runtime/5/crash.xml\n");
 }
 

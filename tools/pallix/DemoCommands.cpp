@@ -1,7 +1,434 @@
+// "pallix demo": walks the application's typical road through the library's public interface,
+// on the sample files, and prints each step as a person would want to read it.
+
 #include "Commands.h"
+#include "ToolOutput.h"
+
+#include "PallixRuntime.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QString>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
 
 namespace pallix::tool {
 
-void registerDemoCommands(CLI::App& /*app*/) {}
+namespace {
+
+struct DemoOptions {
+    std::string configDir;
+    std::string resourcesDir;
+    std::string samplesDir;
+};
+
+// Output helpers: a heading per step and a mark per result, in colour on a terminal.
+class DemoPrinter {
+public:
+    DemoPrinter() : m_colour(::isatty(STDOUT_FILENO) != 0) {}
+
+    void step(const std::string& title) {
+        std::cout << '\n' << paint("1", std::to_string(++m_step) + ". " + title) << '\n';
+    }
+    void line(const std::string& text) { std::cout << "   " << text << '\n'; }
+    void good(const std::string& text) {
+        std::cout << "   " << paint("32", "[ok]") << ' ' << text << '\n';
+    }
+    void bad(const std::string& text) {
+        ++m_failures;
+        std::cout << "   " << paint("31", "[!!]") << ' ' << text << '\n';
+    }
+    int failures() const { return m_failures; }
+
+private:
+    std::string paint(const char* code, const std::string& text) const {
+        return m_colour ? "\x1b[" + std::string(code) + "m" + text + "\x1b[0m" : text;
+    }
+
+    bool m_colour;
+    int m_step = 0;
+    int m_failures = 0;
+};
+
+std::string findSamplesDirectory(const std::string& requested) {
+    std::error_code ignored;
+    if (!requested.empty()) {
+        return std::filesystem::exists(requested + "/cloud.xml", ignored) ? requested
+                                                                          : std::string();
+    }
+    std::vector<std::string> candidates;
+    const auto executable = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    if (!ignored) {
+        candidates.push_back(
+            (executable.parent_path().parent_path() / "share/PallixRuntime/samples").string());
+    }
+    candidates.emplace_back(PALLIX_INSTALLED_SAMPLES_DIR);
+    candidates.emplace_back(PALLIX_SOURCE_SAMPLES_DIR);
+    for (const std::string& candidate : candidates) {
+        if (std::filesystem::exists(candidate + "/cloud.xml", ignored)) {
+            return candidate;
+        }
+    }
+    return std::string();
+}
+
+std::string md5Of(const std::string& path) {
+    QFile file(QString::fromStdString(path));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return std::string();
+    }
+    QCryptographicHash hash(QCryptographicHash::Md5);
+    hash.addData(&file);
+    return hash.result().toHex().toStdString();
+}
+
+std::string lowerCase(std::string text) {
+    for (char& c : text) {
+        c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    }
+    return text;
+}
+
+std::string hex(unsigned int value, int width) {
+    std::ostringstream text;
+    text << "0x" << std::uppercase << std::hex << std::setw(width) << std::setfill('0') << value;
+    return text.str();
+}
+
+std::string coordinates(double longitude, double latitude) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(6) << longitude << ", " << latitude;
+    return text.str();
+}
+
+struct ReferenceTable {
+    const char* entry;
+    const char* file;
+    PRuntimeCloudApplicationHash (PRuntimeCloud::*lookup)() const;
+};
+
+void initialiseConfiguration(DemoPrinter& out, const std::string& configDir,
+                             const std::string& resourcesDir) {
+    out.step("Initialise the configuration");
+    PRuntimeConfig* config = PRuntime::getInstance()->config();
+    config->initialize();
+    out.line("configuration directory: " + configDir);
+    if (config->newInstall()) {
+        out.line("a new installation: no configure.xml was there yet");
+    } else {
+        out.line(config->newUpdate() ? "an existing installation, updated to this version"
+                                     : "an existing installation, same version as last time");
+    }
+    const NString version = config->version();
+    std::error_code ignored;
+    if (!std::filesystem::exists(resourcesDir + "/UpdateCfg.xml", ignored)) {
+        out.bad("no UpdateCfg.xml in " + resourcesDir + ": the running version falls back to " +
+                version.toStdString());
+    } else if (version.exist()) {
+        out.good("running version " + version.toStdString() +
+                 " (from the resources' UpdateCfg.xml)");
+    } else {
+        out.bad("no running version in the resources directory");
+    }
+    // The data root of the demo lives in its own directory, not in the user's home.
+    config->setConfigDirectory("Data", NString(configDir + "/Data"));
+    out.line("data root:        " + config->localRoot().toStdString());
+    out.line("firmware cache:   " + config->localFirmwareArchiver().toStdString());
+    out.line("downloads:        " + config->localDownload().toStdString());
+    out.line("ringtones:        " + config->localRingtoneSave().toStdString());
+    out.line("backups:          " + config->getConfigDirectory("Backup").toStdString());
+}
+
+void loadCloudDocument(DemoPrinter& out, const std::string& samples) {
+    out.step("Load the cloud document and compare the reference files with their digests");
+    PRuntimeCloud* cloud = PRuntime::getInstance()->cloud();
+    if (!cloud->format(NString(samples + "/cloud.xml"))) {
+        out.bad("the cloud document " + samples + "/cloud.xml could not be read");
+        return;
+    }
+    out.good("cloud document loaded: " + samples + "/cloud.xml");
+    const ReferenceTable tables[] = {
+        {"CPID", "cpid.xml", &PRuntimeCloud::application_hash_cpid},
+        {"CrashCode", "crash.xml", &PRuntimeCloud::application_hash_crash_code},
+        {"RestoreCode", "restore-error.xml", &PRuntimeCloud::application_hash_restore_code},
+        {"DeveloperPluginMapping", "plugin-mapping.xml",
+         &PRuntimeCloud::application_hash_developer_plugin_mapping},
+    };
+    for (const ReferenceTable& table : tables) {
+        const PRuntimeCloudApplicationHash entry = (cloud->*table.lookup)();
+        out.line(std::string(table.entry) + ": " + entry.url().toStdString());
+        const std::string actual = md5Of(samples + "/" + table.file);
+        if (entry.name().exist() && lowerCase(entry.hash().toStdString()) == actual) {
+            out.good(std::string(table.file) + " matches its digest " + entry.hash().toStdString());
+        } else {
+            out.bad(std::string(table.file) + " has MD5 " + actual + ", the document says " +
+                    (entry.hash().exist() ? entry.hash().toStdString() : "nothing"));
+        }
+    }
+}
+
+void loadTables(DemoPrinter& out, const std::string& samples) {
+    out.step("Load the reference tables");
+    PRuntime* root = PRuntime::getInstance();
+    const auto report = [&out](bool loaded, const std::string& what, const std::string& path) {
+        if (loaded) {
+            out.good(what + " loaded from " + path);
+        } else {
+            out.bad(what + " could not be read from " + path);
+        }
+    };
+    report(root->cpid()->format(NString(samples + "/cpid.xml")), "chip identifier table",
+           samples + "/cpid.xml");
+    report(root->crashCode()->format(NString(samples + "/crash.xml")), "crash code table",
+           samples + "/crash.xml");
+    report(root->restore()->restoreError()->format(NString(samples + "/restore-error.xml")),
+           "restore error table", samples + "/restore-error.xml");
+    report(root->pluginMapping()->format(NString(samples + "/plugin-mapping.xml")),
+           "plug-in mapping table", samples + "/plugin-mapping.xml");
+}
+
+void identifyDevices(DemoPrinter& out) {
+    out.step("Identify devices in recovery mode");
+    struct Device {
+        unsigned int chip;
+        unsigned int board;
+        const char* story;
+        bool known;
+    };
+    const Device devices[] = {
+        {0x8101, 0x0C, "has a row of its own", true},
+        {0x8101, 0x3E, "falls back to the chip's board-00 row", true},
+        {0x7777, 0x01, "is not in the table", false},
+    };
+    for (const Device& device : devices) {
+        NDeviceInfoRecovery recovery;
+        recovery.setCpid(device.chip);
+        recovery.setBdid(device.board);
+        PRuntimeInfoCpid row;
+        const std::string who = "chip " + hex(device.chip, 4) + " board " + hex(device.board, 2);
+        const bool found = PRuntime::getInstance()->cpid()->find(recovery, row);
+        if (found != device.known) {
+            out.bad(who + ": unexpected answer");
+        } else if (found) {
+            out.good(who + " (" + device.story + "): " + row.mode().toStdString() + ", " +
+                     row.product().toStdString() + ", " + row.network().toStdString() +
+                     (row.support() ? ", supported" : ", not supported"));
+        } else {
+            out.good(who + " (" + device.story + "): unknown device");
+        }
+    }
+}
+
+void explainFailures(DemoPrinter& out) {
+    out.step("Explain a failed restore and a crash");
+    const long long code = 4013;
+    bool explained = false;
+    PRuntime::getInstance()->restore()->restoreError()->find(
+        code, [&](const PRuntimeInfoRestoreError& row) {
+            explained = true;
+            out.good("restore error " + std::to_string(row.code()) + ": " +
+                     row.describe().toStdString());
+            out.line("   solution: " + row.solution().toStdString());
+        });
+    if (!explained) {
+        out.bad("restore error " + std::to_string(code) + " is not in the table");
+    }
+    const NString failure("AMRestorePerformRecoveryModeRestore failed: device disconnected");
+    bool matched = false;
+    PRuntime::getInstance()->crashCode()->find(failure, [&](const PRuntimeInfoCrash& row) {
+        matched = true;
+        out.good("\"" + failure.toStdString() + "\" -> " + row.reason().toStdString());
+        out.line("   solution: " + row.solution().toStdString());
+    });
+    if (!matched) {
+        out.bad("no crash row explains \"" + failure.toStdString() + "\"");
+    }
+    NString mapped;
+    if (PRuntime::getInstance()->pluginMapping()->find(NString("16.4.1"), mapped)) {
+        out.good("a device on system 16.4.1 gets the developer plug-in package " +
+                 mapped.toStdString());
+    } else {
+        out.bad("system 16.4.1 has no plug-in mapping");
+    }
+}
+
+void keepStores(DemoPrinter& out, const std::string& configDir) {
+    out.step("Keep the local stores");
+    PRuntime* root = PRuntime::getInstance();
+
+    // A firmware file the user downloaded earlier, matched by hand to its download address.
+    const std::string firmware = configDir + "/Data/Download/iPhone_Demo_17.0_Restore.ipsw";
+    std::filesystem::create_directories(configDir + "/Data/Download");
+    std::ofstream(firmware, std::ios::binary) << "demo firmware image";
+    const NString url("https://updates.example.invalid/iPhone_Demo_17.0_Restore.ipsw");
+    root->restore()->customFirmware()->append(url, NString(firmware));
+    const NString local = root->restore()->customFirmware()->find(url);
+    if (local == NString(firmware)) {
+        out.good("firmware address matched to the local file " + local.toStdString());
+    } else {
+        out.bad("the custom firmware list did not keep the match");
+    }
+
+    PRuntimeNotifyItem item;
+    item.setID(1001);
+    item.setTitle("Firmware 17.0 is available");
+    item.setURL("https://updates.example.invalid/notes/17.0");
+    item.setIsPopup(true);
+    item.setTimestamp(1767225600);
+    item.setUserID(42);
+    root->notify()->append(1001, item);
+    item.setAlreadyRead(true);
+    root->notify()->update(1001, item);
+    const PRuntimeNotifyItem stored = root->notify()->find(1001);
+    if (stored.isAlreadyRead()) {
+        out.good("notification 1001 \"" + stored.title().toStdString() +
+                 "\" added and marked read");
+    } else {
+        out.bad("the notification was not marked read");
+    }
+
+    root->portbind()->append("usb:0x14100000", "127.0.0.1:27015");
+    out.good("port usb:0x14100000 bound to " +
+             root->portbind()->find("usb:0x14100000").toStdString());
+
+    NDeviceInfoFactory factory;
+    factory.append("SerialNumber", NByteArray("F2LXK0DEMO01", 12));
+    factory.append("ModelNumber", NByteArray("MQ9X3", 5));
+    const unsigned long long device = 0x000000008101001EULL;
+    root->factory()->append(device, factory);
+    if (root->factory()->find(device)) {
+        out.good("factory information kept for device " +
+                 NString::format("%016llX", device).toStdString());
+    } else {
+        out.bad("the factory information was not kept");
+    }
+}
+
+void convertAndFormat(DemoPrinter& out) {
+    out.step("Convert a coordinate and format sizes and dates");
+    PRuntimeLocation* location = PRuntime::getInstance()->location();
+    double longitude = 116.397128;
+    double latitude = 39.916527;
+    out.line("WGS-84: " + coordinates(longitude, latitude));
+    location->WGS84_TO_GCJ02(&longitude, &latitude);
+    out.line("GCJ-02: " + coordinates(longitude, latitude));
+    location->GCJ02_TO_BD09(&longitude, &latitude);
+    out.line("BD-09:  " + coordinates(longitude, latitude));
+    location->BD09_TO_GCJ02(&longitude, &latitude);
+    location->GCJ02_TO_WGS84(&longitude, &latitude);
+    out.good("and back to WGS-84: " + coordinates(longitude, latitude) +
+             " (the way back is an approximation, within a metre)");
+
+    PRuntimeString* text = PRuntime::getInstance()->string();
+    for (unsigned long long bytes : {1023ULL, 1536ULL, 734003200ULL, 6442450944ULL}) {
+        out.line(std::to_string(bytes) +
+                 " bytes: " + text->stringFromSize(bytes, 2, true).toStdString());
+    }
+    for (long long seconds : {0LL, 1700000000LL}) {
+        out.line(std::to_string(seconds) + " s after the epoch: " +
+                 text->secondToString(seconds).toStdString() + " (local date)");
+    }
+}
+
+void showWrittenFiles(DemoPrinter& out, const std::string& configDir) {
+    out.step("What the demo wrote in " + configDir);
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(configDir)) {
+        if (entry.is_regular_file()) {
+            files.push_back(entry.path());
+        }
+    }
+    std::sort(files.begin(), files.end());
+    for (const auto& file : files) {
+        out.line(std::filesystem::relative(file, configDir).string() + "  (" +
+                 std::to_string(std::filesystem::file_size(file)) + " bytes)");
+    }
+}
+
+void runDemo(const DemoOptions& options) {
+    DemoPrinter out;
+    const std::string samples = findSamplesDirectory(options.samplesDir);
+    if (samples.empty()) {
+        reportError(options.samplesDir.empty()
+                        ? "the sample files are not installed; name them with --samples-dir"
+                        : "no sample files (cloud.xml) in " + options.samplesDir);
+        exitStatus() = 2;
+        return;
+    }
+
+    const bool temporary = options.configDir.empty();
+    std::string configDir = options.configDir;
+    if (temporary) {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "pallix-demo-XXXXXX").string();
+        if (::mkdtemp(&pattern[0]) == nullptr) {
+            reportError("cannot create a temporary directory");
+            exitStatus() = 1;
+            return;
+        }
+        configDir = pattern;
+    }
+    std::filesystem::create_directories(configDir);
+    configDir = std::filesystem::canonical(configDir).string();
+    const std::string resourcesDir = options.resourcesDir.empty() ? samples : options.resourcesDir;
+
+    NApplication::setDirectoryConfig(NString(configDir));
+    NApplication::setDirectoryResources(NString(resourcesDir));
+    NApple::setBackupDirectory(NString(configDir + "/Backup"));
+
+    std::cout << "pallix demo: the application's typical road through libPallixRuntime "
+              << PALLIX_VERSION << "\n   samples: " << samples << '\n';
+    initialiseConfiguration(out, configDir, resourcesDir);
+    loadCloudDocument(out, samples);
+    loadTables(out, samples);
+    identifyDevices(out);
+    explainFailures(out);
+    keepStores(out, configDir);
+    convertAndFormat(out);
+    PRuntime::getInstance()->config()->release();
+    showWrittenFiles(out, configDir);
+    PRuntime::freeInstance();
+
+    if (temporary) {
+        std::error_code ignored;
+        std::filesystem::remove_all(configDir, ignored);
+        std::cout
+            << "\n   (the temporary directory was removed; keep the files with --config-dir)\n";
+    }
+    const int failures = out.failures();
+    std::cout << '\n'
+              << (failures == 0 ? std::string("Every step worked.")
+                                : std::to_string(failures) +
+                                      (failures == 1 ? " check failed." : " checks failed."))
+              << '\n';
+    exitStatus() = out.failures() == 0 ? 0 : 1;
+}
+
+} // namespace
+
+void registerDemoCommands(CLI::App& app) {
+    auto options = std::make_shared<DemoOptions>();
+    CLI::App* command =
+        app.add_subcommand("demo", "Walk the application's typical road on the sample files");
+    command->add_option("--config-dir", options->configDir,
+                        "Configuration directory to work in and keep (default: a temporary one)");
+    command->add_option("--resources-dir", options->resourcesDir,
+                        "Resources directory holding UpdateCfg.xml (default: the samples)");
+    command->add_option("--samples-dir", options->samplesDir,
+                        "Directory of the sample files (default: the installed samples)");
+    command->callback([options] { runDemo(*options); });
+}
 
 } // namespace pallix::tool

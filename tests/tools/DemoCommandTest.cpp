@@ -1,0 +1,106 @@
+// "pallix demo" walks the typical road on the samples: every step must succeed on the samples
+// as shipped, what it writes must be kept with --config-dir and removed otherwise, and a sample
+// that no longer matches its digest must be reported.
+
+#include "TemporaryDirectory.h"
+#include "ToolRunner.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+using pallix::test::runTool;
+using pallix::test::TemporaryDirectory;
+
+namespace {
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+TEST(DemoCommand, EveryStepSucceedsOnTheSamples) {
+    TemporaryDirectory scratch;
+    const auto result = runTool({"demo"}, {"TMPDIR=" + scratch.path()});
+    EXPECT_EQ(result.status, 0) << result.output << result.errors;
+    EXPECT_TRUE(contains(result.output, "Every step worked.")) << result.output;
+    EXPECT_FALSE(contains(result.output, "[!!]")) << result.output;
+    for (const char* step :
+         {"Initialise the configuration", "Load the cloud document", "Load the reference tables",
+          "Identify devices in recovery mode", "Explain a failed restore", "Keep the local stores",
+          "Convert a coordinate", "What the demo wrote"}) {
+        EXPECT_TRUE(contains(result.output, step)) << step << " missing from:\n" << result.output;
+    }
+}
+
+TEST(DemoCommand, SampleDigestsMatchTheCloudDocument) {
+    TemporaryDirectory scratch;
+    const auto result = runTool({"demo"}, {"TMPDIR=" + scratch.path()});
+    for (const char* file : {"cpid.xml", "crash.xml", "restore-error.xml", "plugin-mapping.xml"}) {
+        EXPECT_TRUE(contains(result.output, std::string(file) + " matches its digest"))
+            << file << " in:\n"
+            << result.output;
+    }
+}
+
+TEST(DemoCommand, IdentifiesOwnRowFallbackAndUnknownDevice) {
+    TemporaryDirectory scratch;
+    const auto result = runTool({"demo"}, {"TMPDIR=" + scratch.path()});
+    EXPECT_TRUE(contains(result.output, "board 0x0C (has a row of its own): iPhone 12 Pro"))
+        << result.output;
+    EXPECT_TRUE(contains(result.output, "board 0x3E (falls back to the chip's board-00 row): "
+                                        "iPhone 12,"))
+        << result.output;
+    EXPECT_TRUE(contains(result.output, "unknown device")) << result.output;
+}
+
+TEST(DemoCommand, TemporaryDirectoryIsRemovedAfterwards) {
+    TemporaryDirectory scratch;
+    const auto result = runTool({"demo"}, {"TMPDIR=" + scratch.path()});
+    ASSERT_EQ(result.status, 0) << result.output;
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.path()));
+}
+
+TEST(DemoCommand, ConfigDirectoryKeepsWhatEachStepWrote) {
+    TemporaryDirectory scratch;
+    const std::string config = scratch.file("config dir");
+    const auto result = runTool({"demo", "--config-dir", config});
+    ASSERT_EQ(result.status, 0) << result.output << result.errors;
+    for (const char* file :
+         {"configure.xml", "notify.xml", "PortBind.xml", "Factory.json", "RestoreIpsw.xml"}) {
+        EXPECT_TRUE(std::filesystem::is_regular_file(config + "/" + file)) << file;
+        EXPECT_TRUE(contains(result.output, file)) << file << " not listed in:\n" << result.output;
+    }
+    const std::string configuration = TemporaryDirectory::read(config + "/configure.xml");
+    EXPECT_TRUE(contains(configuration, "5.2.1")) << configuration;
+}
+
+TEST(DemoCommand, SecondRunInTheSameDirectoryIsNotANewInstallation) {
+    TemporaryDirectory scratch;
+    const std::string config = scratch.file("config");
+    ASSERT_EQ(runTool({"demo", "--config-dir", config}).status, 0);
+    const auto second = runTool({"demo", "--config-dir", config});
+    EXPECT_EQ(second.status, 0) << second.output;
+    EXPECT_TRUE(contains(second.output, "an existing installation")) << second.output;
+}
+
+TEST(DemoCommand, TamperedSampleIsReportedAndFailsTheDemo) {
+    TemporaryDirectory scratch;
+    const std::string samples = scratch.file("samples");
+    std::filesystem::copy(PALLIX_SAMPLES_DIR, samples, std::filesystem::copy_options::recursive);
+    const std::string crash = samples + "/crash.xml";
+    TemporaryDirectory::write(crash, TemporaryDirectory::read(crash) + "\n");
+    const auto result = runTool({"demo", "--samples-dir", samples}, {"TMPDIR=" + scratch.path()});
+    EXPECT_EQ(result.status, 1) << result.output;
+    EXPECT_TRUE(contains(result.output, "[!!] crash.xml has MD5")) << result.output;
+    EXPECT_TRUE(contains(result.output, "1 check failed.")) << result.output;
+}
+
+TEST(DemoCommand, MissingSamplesDirectoryIsAClearError) {
+    TemporaryDirectory scratch;
+    const auto result = runTool({"demo", "--samples-dir", scratch.file("none")});
+    EXPECT_NE(result.status, 0);
+    EXPECT_TRUE(contains(result.errors, "sample")) << result.errors;
+}
