@@ -56,13 +56,11 @@ void PRuntimeRestoreCustomFirmware::_write() noexcept {
             entry.append_attribute("URL").set_value(url.data());
             entry.append_attribute("LOCAL").set_value(local.data());
         }
-        // The file is replaced atomically rather than deleted and written again, so that a
-        // crash never leaves it missing or cut short. A save that fails still ends with no
-        // file, as if the old one had been deleted before writing.
+        // The old file goes first, so a save that fails leaves no file rather than a stale
+        // one; the new file is still written atomically, so it is never seen cut short.
         const NString path = customFirmwarePath();
-        if (!pallix::XmlFile::save(document, path)) {
-            NFileSystem::file::remove(path);
-        }
+        NFileSystem::file::remove(path);
+        pallix::XmlFile::save(document, path);
     } catch (...) {
         // Out of memory while building the document: the file is left as it was.
     }
