@@ -56,6 +56,16 @@ TEST(DemoCommand, IdentifiesOwnRowFallbackAndUnknownDevice) {
     EXPECT_TRUE(contains(result.output, "unknown device")) << result.output;
 }
 
+TEST(DemoCommand, ExplainsTheRestoreErrorAndTheCrashText) {
+    TemporaryDirectory scratch;
+    const auto result = runTool({"demo"}, {"TMPDIR=" + scratch.path()});
+    EXPECT_TRUE(contains(result.output, "restore error 4013: The device disconnected while the "
+                                        "firmware was being installed."))
+        << result.output;
+    EXPECT_TRUE(contains(result.output, "-> The device left recovery mode")) << result.output;
+    EXPECT_TRUE(contains(result.output, "developer plug-in package 16.4")) << result.output;
+}
+
 TEST(DemoCommand, TemporaryDirectoryIsRemovedAfterwards) {
     TemporaryDirectory scratch;
     const auto result = runTool({"demo"}, {"TMPDIR=" + scratch.path()});
