@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <regex>
 #include <set>
 #include <sstream>
@@ -72,6 +74,53 @@ TEST(ExportedSymbols, RootAndLoadFunctionsAreExported) {
           "_Pallix_Runtime_Dynamic_Library_Init()", "_Pallix_Runtime_Dynamic_Library_Fini()",
           "vtable for PRuntimeValue"}) {
         EXPECT_TRUE(present.count(expected)) << "missing exported symbol: " << expected;
+    }
+}
+
+TEST(ExportedSymbols, EveryComponentAndRecordClassIsExported) {
+    const std::vector<std::string> symbols = definedDynamicSymbols();
+    const std::set<std::string> present(symbols.begin(), symbols.end());
+    for (const char* name : {"PRuntimeConfig",
+                             "PRuntimeCloud",
+                             "PRuntimeCloudApplicationHash",
+                             "PRuntimeCloudDevicePluginsItem",
+                             "PRuntimeCloudDeviceProcessItem",
+                             "PRuntimeCpid",
+                             "PRuntimeInfoCpid",
+                             "PRuntimeCrashCode",
+                             "PRuntimeInfoCrash",
+                             "PRuntimeRestoreError",
+                             "PRuntimeInfoRestoreError",
+                             "PRuntimePluginMapping",
+                             "PRuntimeNotify",
+                             "PRuntimeNotifyItem",
+                             "PRuntimePortbind",
+                             "PRuntimeFactory",
+                             "PRuntimeRestore",
+                             "PRuntimeRestoreAutoActivate",
+                             "PRuntimeRestoreCustomFirmware",
+                             "PRuntimeRestoreOtherFirmware",
+                             "PRuntimeString",
+                             "PRuntimeLocation",
+                             "PRuntimeShell",
+                             "PRuntimeWindow",
+                             "PRuntimePicture",
+                             "PRuntimeAnimation"}) {
+        EXPECT_TRUE(present.count(std::string("vtable for ") + name)) << name;
+        EXPECT_TRUE(present.count(std::string("typeinfo for ") + name)) << name;
+    }
+}
+
+TEST(ExportedSymbols, ConfigurationRecordAndFreeFunctionsAreExported) {
+    const std::vector<std::string> symbols = definedDynamicSymbols();
+    const std::set<std::string> present(symbols.begin(), symbols.end());
+    EXPECT_TRUE(present.count("_globalFrameworkConfig"));
+    for (const char* prefix :
+         {"NevorFrameworkConfigDirectoryDefault(", "_80BAEFCF_853E_40F2_B25F_0FB5B8F4D46F(",
+          "_8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B("}) {
+        const bool found = std::any_of(symbols.begin(), symbols.end(),
+                                       [prefix](const auto& s) { return s.rfind(prefix, 0) == 0; });
+        EXPECT_TRUE(found) << prefix;
     }
 }
 
