@@ -1,6 +1,6 @@
 #include "PRuntimeRestore.h"
 
-// The parts are members in the order of the accessors, so the language builds them in that
+// The sub-objects are members in the order of the accessors, so the language builds them in that
 // order and destroys them in the reverse one; nothing is read until they are used.
 PRuntimeRestore::PRuntimeRestore() noexcept = default;
 

@@ -8,7 +8,7 @@
 
 // The restore function's state: which devices to activate after a restore, the firmware files
 // matched by hand to download addresses, extra firmware directories and the restore error
-// table. It owns the four parts; each accessor hands out the part itself.
+// table. It owns the four sub-objects; each accessor hands out the object itself.
 //
 // The order of the virtual operations is part of the binary interface; so is the order of the
 // parts, which are built in that order and destroyed in the reverse one.
