@@ -10,8 +10,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <list>
+#include <map>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 using pallix::test::CloudState;
@@ -74,6 +79,33 @@ TEST(CloudFormat, NewObjectHoldsTheInitialValues) {
     EXPECT_TRUE(cloud.m_processPlugins.empty());
     EXPECT_TRUE(cloud.m_processApplications.empty());
     EXPECT_TRUE(cloud.m_version.empty());
+}
+
+TEST(CloudFormat, StateIsDeclaredInItsDocumentedOrder) {
+    // The layout is part of the binary interface: every field sits after the one before it.
+    const CloudState cloud;
+    const auto at = [](const auto& field) { return reinterpret_cast<std::uintptr_t>(&field); };
+    const std::vector<std::uintptr_t> addresses = {
+        at(cloud.m_advertisementPopup),  at(cloud.m_advertisementAutoInstall),
+        at(cloud.m_verifyGuideStatus),   at(cloud.m_verifyGuidePixmap),
+        at(cloud.m_applicationHash),     at(cloud.m_sellStatus),
+        at(cloud.m_sellTextDeviceInfo),  at(cloud.m_sellTextDeviceVerify),
+        at(cloud.m_authorizeAddress),    at(cloud.m_authorizePort),
+        at(cloud.m_developerPlugins),    at(cloud.m_developerPluginsRvq),
+        at(cloud.m_driveVersion),        at(cloud.m_driveItunes32),
+        at(cloud.m_driveItunes64),       at(cloud.m_processPlugins),
+        at(cloud.m_processApplications), at(cloud.m_version)};
+    for (std::size_t i = 1; i < addresses.size(); ++i) {
+        EXPECT_LT(addresses[i - 1], addresses[i]) << "field " << i;
+    }
+    // The port is kept in 16 bits and the lists keep document order.
+    static_assert(std::is_same_v<decltype(CloudState::m_authorizePort), std::uint16_t>);
+    static_assert(std::is_same_v<decltype(CloudState::m_applicationHash),
+                                 std::list<PRuntimeCloudApplicationHash>>);
+    static_assert(std::is_same_v<decltype(CloudState::m_developerPlugins),
+                                 std::map<NString, PRuntimeCloudDevicePluginsItem>>);
+    static_assert(std::is_same_v<decltype(CloudState::m_processApplications),
+                                 std::list<PRuntimeCloudDeviceProcessItem>>);
 }
 
 TEST(CloudFormat, MissingFileReturnsFalseAndChangesNothing) {

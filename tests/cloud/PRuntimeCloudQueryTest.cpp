@@ -66,6 +66,48 @@ TEST(CloudQuery, ResultKindsAreReferencesOrCopies) {
     static_assert(
         std::is_same_v<decltype(std::declval<Cloud>().device_drive_version()), const NString&>);
     static_assert(std::is_same_v<decltype(std::declval<Cloud>().version()), const NString&>);
+    static_assert(
+        std::is_same_v<decltype(std::declval<Cloud>().application_advertisement_iosapp_popup()),
+                       bool>);
+    static_assert(
+        std::is_same_v<
+            decltype(std::declval<Cloud>().application_advertisement_iosapp_auto_install()), bool>);
+    static_assert(
+        std::is_same_v<decltype(std::declval<Cloud>().applet_verify_guide_status()), bool>);
+    static_assert(
+        std::is_same_v<decltype(std::declval<Cloud>().cooperate_hsb_sell_status()), bool>);
+    static_assert(std::is_same_v<decltype(std::declval<Cloud>().application_hash_crash_code()),
+                                 PRuntimeCloudApplicationHash>);
+    static_assert(std::is_same_v<decltype(std::declval<Cloud>().application_hash_restore_code()),
+                                 PRuntimeCloudApplicationHash>);
+    static_assert(std::is_same_v<decltype(std::declval<Cloud>().application_hash_restore_version()),
+                                 PRuntimeCloudApplicationHash>);
+    static_assert(
+        std::is_same_v<decltype(std::declval<Cloud>().application_hash_developer_plugin_mapping()),
+                       PRuntimeCloudApplicationHash>);
+    static_assert(std::is_same_v<decltype(std::declval<Cloud>().device_plugins_find_by_rvq("")),
+                                 PRuntimeCloudDevicePluginsItem>);
+    static_assert(
+        std::is_same_v<decltype(std::declval<Cloud>().device_drive_itunes_32()), const NString&>);
+    static_assert(
+        std::is_same_v<decltype(std::declval<Cloud>().device_drive_itunes_64()), const NString&>);
+    static_assert(std::is_same_v<decltype(std::declval<Cloud>().device_process_plugins_find(
+                                     "", PRuntimeCloud::ProcessCallback())),
+                                 bool>);
+    static_assert(std::is_same_v<decltype(std::declval<Cloud>().device_process_application_find(
+                                     "", PRuntimeCloud::ProcessCallback())),
+                                 bool>);
+    // Reading never throws; only a callback's own exception may leave a rule lookup. The
+    // arguments are ready-made so that only the calls themselves are looked at.
+    static_assert(noexcept(std::declval<PRuntimeCloud&>().format(std::declval<const NString&>())));
+    static_assert(noexcept(std::declval<Cloud>().application_hash_cpid()));
+    static_assert(
+        noexcept(std::declval<Cloud>().device_plugins_find(std::declval<const NString&>())));
+    static_assert(noexcept(std::declval<Cloud>().applet_verify_guide_pixmap()));
+    static_assert(!noexcept(std::declval<Cloud>().device_process_plugins_find(
+        std::declval<const NString&>(), std::declval<const PRuntimeCloud::ProcessCallback&>())));
+    static_assert(!noexcept(std::declval<Cloud>().device_process_application_find(
+        std::declval<const NString&>(), std::declval<const PRuntimeCloud::ProcessCallback&>())));
 
     // The references point into the component and follow its state.
     TemporaryDirectory directory;

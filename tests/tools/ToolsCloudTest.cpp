@@ -102,6 +102,29 @@ TEST(ToolsCloud, OverviewShowsWhatTheLibraryKeepsOfDuplicatesAndWidePorts) {
     EXPECT_THAT(result.output, HasSubstr("a package without a version"));
 }
 
+TEST(ToolsCloud, OverviewShowsPresentElementsWithoutAttributesAsDefaults) {
+    TemporaryDirectory directory;
+    const auto result = runTool({"cloud", writeDocument(directory, R"(
+        <Application><Applet><VerifyGuide/></Applet><Hash><F/></Hash></Application>
+        <Cooperate><HSB><SellStatus VALUE="no"/><Authorize ServiceIP="h" ServicePort="abc"/>
+        </HSB></Cooperate>)")});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("verification guide:         off\n"));
+    EXPECT_THAT(result.output, HasSubstr("partner selling:            off\n"));
+    EXPECT_THAT(result.output, HasSubstr("authorisation service:      h port 0\n"));
+}
+
+TEST(ToolsCloud, ProcessQueryTakesOnlyTheFirstRuleThatHolds) {
+    TemporaryDirectory directory;
+    const std::string path = writeDocument(directory, R"(<Device><ProcessManager><Plugins>
+        <R Contains="Agent" Name="FirstAgent"/><R Contains="Tool" Name="SecondAgent"/>
+        </Plugins></ProcessManager></Device>)");
+    const auto result = runTool({"cloud", path, "--plugin-process", "MyAgentTool"});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "plug-in process \"MyAgentTool\": starts \"\", contains \"Agent\", "
+                             "ends \"\" -> FirstAgent\n");
+}
+
 TEST(ToolsCloud, OverviewNamesEntriesNoQueryAsksFor) {
     TemporaryDirectory directory;
     const auto result = runTool({"cloud", writeDocument(directory, R"(<Application><Hash>
