@@ -193,7 +193,7 @@ int main(int argc, char** argv) {
     dialog.move(window->relativeX(&dialog), window->relativeY(&dialog));
     window->activate(&dialog);
 
-    // Across the track and back to its start when it is done, or at once without animations.
+    // Across the track, or straight to its end at once without animations.
     root->animation()->run(marker, "pos", 900, QPoint(0, 4), QPoint(380, 4),
                            QEasingCurve(QEasingCurve::InOutCubic));
 

@@ -31,8 +31,10 @@ class AnimationTest : public ::testing::Test {
 protected:
     void TearDown() override { PRuntime::freeInstance(); }
 
+    void useOwnDirectory() { NApplication::setDirectoryConfig(m_directory.path().c_str()); }
+
     void setAnimations(bool on) {
-        NApplication::setDirectoryConfig(m_directory.path().c_str());
+        useOwnDirectory();
         PRuntimeConfig* config = PRuntime::getInstance()->config();
         ASSERT_NE(config, nullptr);
         config->setSettingStatus("WindowAnimation", on);
@@ -97,6 +99,17 @@ TEST_F(AnimationTest, RunWithoutTargetDoesNothing) {
     ASSERT_NO_FATAL_FAILURE(setAnimations(false));
     animation.run(nullptr, "pos", 100, QPoint(0, 0), QPoint(5, 5), outCubic);
     SUCCEED();
+}
+
+TEST_F(AnimationTest, AnimationsAreOffUntilTheSettingIsSwitchedOn) {
+    // A configuration that never heard of the flag: its built-in default applies.
+    useOwnDirectory();
+    QWidget widget;
+    widget.move(1, 2);
+    EXPECT_EQ(animation.create(&widget, "pos", 500, QPoint(10, 10), QPoint(40, 30), outCubic),
+              nullptr);
+    EXPECT_EQ(widget.pos(), QPoint(40, 30));
+    EXPECT_FALSE(PRuntime::getInstance()->config()->getSettingStatus("WindowAnimation"));
 }
 
 TEST_F(AnimationTest, CreateWithAnimationsOffSetsTheEndValueAndReturnsNull) {
