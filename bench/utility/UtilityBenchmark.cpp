@@ -63,7 +63,7 @@ void report(benchmark::State& state, double perItem, double baselinePerItem, dou
     state.SetItemsProcessed(static_cast<int64_t>(items));
 }
 
-using Conversion = void (PRuntimeLocation::*)(double*, double*) const noexcept;
+using Conversion = void (PRuntimeLocation::*)(double*, double*) const;
 
 void convertPoints(benchmark::State& state, Conversion conversion) {
     // Through the root, as the application calls it: a virtual call per point.

@@ -1,17 +1,17 @@
 #include "PRuntimeCloud.h"
 
 #include "NFileSystem.h"
+#include "Operation.h"
 #include "XmlFile.h"
 
-#include <exception>
 #include <optional>
 #include <utility>
 
 namespace {
 
-// Everything one document says, gathered before any of it is applied: a failure half-way
-// through (an allocation) then leaves the object exactly as it was. An empty optional stands
-// for an element the document does not have, whose field therefore keeps its value.
+// Everything one document says, gathered before any of it is applied, so that the merge into
+// the earlier state is a single step that allocates nothing. An empty optional stands for an
+// element the document does not have, whose field therefore keeps its value.
 struct Reading {
     std::optional<bool> advertisementPopup;
     std::optional<bool> advertisementAutoInstall;
@@ -153,14 +153,10 @@ template <typename T> void assignIfRead(T& field, std::optional<T>& value) noexc
 
 PRuntimeCloudApplicationHash findHash(const std::list<PRuntimeCloudApplicationHash>& list,
                                       const char* name) noexcept {
-    try {
-        for (const PRuntimeCloudApplicationHash& entry : list) {
-            if (entry.name() == name) {
-                return entry;
-            }
+    for (const PRuntimeCloudApplicationHash& entry : list) {
+        if (entry.name() == name) {
+            return entry;
         }
-    } catch (const std::exception&) {
-        // The copy could not be made; the caller sees no entry.
     }
     return PRuntimeCloudApplicationHash();
 }
@@ -172,15 +168,8 @@ findPlugin(const std::map<NString, PRuntimeCloudDevicePluginsItem>& map,
     if (version.empty()) {
         return PRuntimeCloudDevicePluginsItem();
     }
-    try {
-        const auto found = map.find(version);
-        if (found != map.end()) {
-            return found->second;
-        }
-    } catch (const std::exception&) {
-        // The copy could not be made; the caller sees no package.
-    }
-    return PRuntimeCloudDevicePluginsItem();
+    const auto found = map.find(version);
+    return found != map.end() ? found->second : PRuntimeCloudDevicePluginsItem();
 }
 
 // An empty pattern holds for every name; the rule's own name is its payload, not a pattern.
@@ -191,14 +180,13 @@ bool ruleHolds(const PRuntimeCloudDeviceProcessItem& rule, const NString& name) 
     return starts && contains && ends;
 }
 
+// The callback is not guarded: whatever it throws passes to the caller of the lookup, and so
+// does the standard wrapper's bad_function_call when the callback is empty.
 bool findRule(const std::list<PRuntimeCloudDeviceProcessItem>& rules, const NString& name,
               const PRuntimeCloud::ProcessCallback& callback) {
     for (const PRuntimeCloudDeviceProcessItem& rule : rules) {
         if (ruleHolds(rule, name)) {
-            // A caller that only asks whether some rule holds may pass no callback.
-            if (callback) {
-                callback(rule);
-            }
+            callback(rule);
             return true;
         }
     }
@@ -213,9 +201,9 @@ PRuntimeCloud::PRuntimeCloud() noexcept
 
 PRuntimeCloud::~PRuntimeCloud() = default;
 
-bool PRuntimeCloud::format(const NString& path) noexcept {
-    Reading reading;
-    try {
+bool PRuntimeCloud::format(const NString& path) {
+    return pallix::operation([&] {
+        Reading reading;
         if (!NFileSystem::file::exist(NFileSystem::path(path))) {
             return false;
         }
@@ -236,113 +224,104 @@ bool PRuntimeCloud::format(const NString& path) noexcept {
         if (const pugi::xml_node device = root.child("Device")) {
             readDevice(device, reading);
         }
-    } catch (const std::exception&) {
-        // Out of memory while reading: nothing has been applied yet.
-        return false;
-    }
 
-    // From here on nothing allocates: values are moved in, list nodes spliced over and map
-    // nodes handed across, and merge() leaves behind every key this object already holds.
-    assignIfRead(m_advertisementPopup, reading.advertisementPopup);
-    assignIfRead(m_advertisementAutoInstall, reading.advertisementAutoInstall);
-    assignIfRead(m_verifyGuideStatus, reading.verifyGuideStatus);
-    assignIfRead(m_verifyGuidePixmap, reading.verifyGuidePixmap);
-    m_applicationHash.splice(m_applicationHash.end(), reading.applicationHash);
-    assignIfRead(m_sellStatus, reading.sellStatus);
-    assignIfRead(m_sellTextDeviceInfo, reading.sellTextDeviceInfo);
-    assignIfRead(m_sellTextDeviceVerify, reading.sellTextDeviceVerify);
-    assignIfRead(m_authorizeAddress, reading.authorizeAddress);
-    assignIfRead(m_authorizePort, reading.authorizePort);
-    m_developerPlugins.merge(reading.developerPlugins);
-    m_developerPluginsRvq.merge(reading.developerPluginsRvq);
-    assignIfRead(m_driveVersion, reading.driveVersion);
-    assignIfRead(m_driveItunes32, reading.driveItunes32);
-    assignIfRead(m_driveItunes64, reading.driveItunes64);
-    m_processPlugins.splice(m_processPlugins.end(), reading.processPlugins);
-    m_processApplications.splice(m_processApplications.end(), reading.processApplications);
-    return true;
+        // From here on nothing allocates: values are moved in, list nodes spliced over and map
+        // nodes handed across, and merge() leaves behind every key this object already holds.
+        assignIfRead(m_advertisementPopup, reading.advertisementPopup);
+        assignIfRead(m_advertisementAutoInstall, reading.advertisementAutoInstall);
+        assignIfRead(m_verifyGuideStatus, reading.verifyGuideStatus);
+        assignIfRead(m_verifyGuidePixmap, reading.verifyGuidePixmap);
+        m_applicationHash.splice(m_applicationHash.end(), reading.applicationHash);
+        assignIfRead(m_sellStatus, reading.sellStatus);
+        assignIfRead(m_sellTextDeviceInfo, reading.sellTextDeviceInfo);
+        assignIfRead(m_sellTextDeviceVerify, reading.sellTextDeviceVerify);
+        assignIfRead(m_authorizeAddress, reading.authorizeAddress);
+        assignIfRead(m_authorizePort, reading.authorizePort);
+        m_developerPlugins.merge(reading.developerPlugins);
+        m_developerPluginsRvq.merge(reading.developerPluginsRvq);
+        assignIfRead(m_driveVersion, reading.driveVersion);
+        assignIfRead(m_driveItunes32, reading.driveItunes32);
+        assignIfRead(m_driveItunes64, reading.driveItunes64);
+        m_processPlugins.splice(m_processPlugins.end(), reading.processPlugins);
+        m_processApplications.splice(m_processApplications.end(), reading.processApplications);
+        return true;
+    });
 }
 
-bool PRuntimeCloud::application_advertisement_iosapp_popup() const noexcept {
+bool PRuntimeCloud::application_advertisement_iosapp_popup() const {
     return m_advertisementPopup;
 }
 
-bool PRuntimeCloud::application_advertisement_iosapp_auto_install() const noexcept {
+bool PRuntimeCloud::application_advertisement_iosapp_auto_install() const {
     return m_advertisementAutoInstall;
 }
 
-bool PRuntimeCloud::applet_verify_guide_status() const noexcept {
+bool PRuntimeCloud::applet_verify_guide_status() const {
     return m_verifyGuideStatus;
 }
 
-NString PRuntimeCloud::applet_verify_guide_pixmap() const noexcept {
-    try {
-        return m_verifyGuidePixmap;
-    } catch (const std::exception&) {
-        return NString();
-    }
+NString PRuntimeCloud::applet_verify_guide_pixmap() const {
+    return pallix::operation([&] { return m_verifyGuidePixmap; });
 }
 
-PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_cpid() const noexcept {
+PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_cpid() const {
     return findHash(m_applicationHash, "CPID");
 }
 
-PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_crash_code() const noexcept {
+PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_crash_code() const {
     return findHash(m_applicationHash, "CrashCode");
 }
 
-PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_restore_code() const noexcept {
+PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_restore_code() const {
     return findHash(m_applicationHash, "RestoreCode");
 }
 
-PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_restore_version() const noexcept {
+PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_restore_version() const {
     return findHash(m_applicationHash, "RestoreVersion");
 }
 
-PRuntimeCloudApplicationHash
-PRuntimeCloud::application_hash_developer_plugin_mapping() const noexcept {
+PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_developer_plugin_mapping() const {
     return findHash(m_applicationHash, "DeveloperPluginMapping");
 }
 
-bool PRuntimeCloud::cooperate_hsb_sell_status() const noexcept {
+bool PRuntimeCloud::cooperate_hsb_sell_status() const {
     return m_sellStatus;
 }
 
-const NString& PRuntimeCloud::cooperate_hsb_sell_text_device_info() const noexcept {
+const NString& PRuntimeCloud::cooperate_hsb_sell_text_device_info() const {
     return m_sellTextDeviceInfo;
 }
 
-const NString& PRuntimeCloud::cooperate_hsb_sell_text_device_verify() const noexcept {
+const NString& PRuntimeCloud::cooperate_hsb_sell_text_device_verify() const {
     return m_sellTextDeviceVerify;
 }
 
-const NString& PRuntimeCloud::cooperate_hsb_device_authorize_ipaddress() const noexcept {
+const NString& PRuntimeCloud::cooperate_hsb_device_authorize_ipaddress() const {
     return m_authorizeAddress;
 }
 
-std::uint16_t PRuntimeCloud::cooperate_hsb_device_authorize_ipport() const noexcept {
+std::uint16_t PRuntimeCloud::cooperate_hsb_device_authorize_ipport() const {
     return m_authorizePort;
 }
 
-PRuntimeCloudDevicePluginsItem
-PRuntimeCloud::device_plugins_find(const NString& version) const noexcept {
+PRuntimeCloudDevicePluginsItem PRuntimeCloud::device_plugins_find(const NString& version) const {
     return findPlugin(m_developerPlugins, version);
 }
 
 PRuntimeCloudDevicePluginsItem
-PRuntimeCloud::device_plugins_find_by_rvq(const NString& version) const noexcept {
+PRuntimeCloud::device_plugins_find_by_rvq(const NString& version) const {
     return findPlugin(m_developerPluginsRvq, version);
 }
 
-const NString& PRuntimeCloud::device_drive_version() const noexcept {
+const NString& PRuntimeCloud::device_drive_version() const {
     return m_driveVersion;
 }
 
-const NString& PRuntimeCloud::device_drive_itunes_32() const noexcept {
+const NString& PRuntimeCloud::device_drive_itunes_32() const {
     return m_driveItunes32;
 }
 
-const NString& PRuntimeCloud::device_drive_itunes_64() const noexcept {
+const NString& PRuntimeCloud::device_drive_itunes_64() const {
     return m_driveItunes64;
 }
 
@@ -356,6 +335,6 @@ bool PRuntimeCloud::device_process_application_find(const NString& name,
     return findRule(m_processApplications, name, callback);
 }
 
-const NString& PRuntimeCloud::version() const noexcept {
+const NString& PRuntimeCloud::version() const {
     return m_version;
 }

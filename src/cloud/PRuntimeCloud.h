@@ -30,39 +30,37 @@ public:
 
     // Reads the document at `path`. False when the file is missing or not well-formed XML, and
     // then nothing changes; true otherwise, also when the document has no "Nevor" root.
-    virtual bool format(const NString& path) noexcept;
+    virtual bool format(const NString& path);
 
     // Application/Advertisement/IosApplication
-    virtual bool application_advertisement_iosapp_popup() const noexcept;
-    virtual bool application_advertisement_iosapp_auto_install() const noexcept;
+    virtual bool application_advertisement_iosapp_popup() const;
+    virtual bool application_advertisement_iosapp_auto_install() const;
     // Application/Applet/VerifyGuide; the pixmap text is handed out undecoded.
-    virtual bool applet_verify_guide_status() const noexcept;
-    virtual NString applet_verify_guide_pixmap() const noexcept;
+    virtual bool applet_verify_guide_status() const;
+    virtual NString applet_verify_guide_pixmap() const;
 
     // The first reference-file entry of the given name, or an empty entry.
-    virtual PRuntimeCloudApplicationHash application_hash_cpid() const noexcept;
-    virtual PRuntimeCloudApplicationHash application_hash_crash_code() const noexcept;
-    virtual PRuntimeCloudApplicationHash application_hash_restore_code() const noexcept;
-    virtual PRuntimeCloudApplicationHash application_hash_restore_version() const noexcept;
-    virtual PRuntimeCloudApplicationHash application_hash_developer_plugin_mapping() const noexcept;
+    virtual PRuntimeCloudApplicationHash application_hash_cpid() const;
+    virtual PRuntimeCloudApplicationHash application_hash_crash_code() const;
+    virtual PRuntimeCloudApplicationHash application_hash_restore_code() const;
+    virtual PRuntimeCloudApplicationHash application_hash_restore_version() const;
+    virtual PRuntimeCloudApplicationHash application_hash_developer_plugin_mapping() const;
 
     // Cooperate/HSB
-    virtual bool cooperate_hsb_sell_status() const noexcept;
-    virtual const NString& cooperate_hsb_sell_text_device_info() const noexcept;
-    virtual const NString& cooperate_hsb_sell_text_device_verify() const noexcept;
-    virtual const NString& cooperate_hsb_device_authorize_ipaddress() const noexcept;
-    virtual std::uint16_t cooperate_hsb_device_authorize_ipport() const noexcept;
+    virtual bool cooperate_hsb_sell_status() const;
+    virtual const NString& cooperate_hsb_sell_text_device_info() const;
+    virtual const NString& cooperate_hsb_sell_text_device_verify() const;
+    virtual const NString& cooperate_hsb_device_authorize_ipaddress() const;
+    virtual std::uint16_t cooperate_hsb_device_authorize_ipport() const;
 
     // The package of the given version, or an empty item (always for an empty version).
-    virtual PRuntimeCloudDevicePluginsItem
-    device_plugins_find(const NString& version) const noexcept;
-    virtual PRuntimeCloudDevicePluginsItem
-    device_plugins_find_by_rvq(const NString& version) const noexcept;
+    virtual PRuntimeCloudDevicePluginsItem device_plugins_find(const NString& version) const;
+    virtual PRuntimeCloudDevicePluginsItem device_plugins_find_by_rvq(const NString& version) const;
 
     // Device/Drive
-    virtual const NString& device_drive_version() const noexcept;
-    virtual const NString& device_drive_itunes_32() const noexcept;
-    virtual const NString& device_drive_itunes_64() const noexcept;
+    virtual const NString& device_drive_version() const;
+    virtual const NString& device_drive_itunes_32() const;
+    virtual const NString& device_drive_itunes_64() const;
 
     // Finds the first rule, in document order, whose patterns all hold for `name`, hands it to
     // `callback` once and returns true; false without calling back when no rule holds. An
@@ -73,7 +71,7 @@ public:
                                                  const ProcessCallback& callback) const;
 
     // Nothing assigns it: it stays empty.
-    virtual const NString& version() const noexcept;
+    virtual const NString& version() const;
 
     PRuntimeCloud(const PRuntimeCloud&) = delete;
     PRuntimeCloud& operator=(const PRuntimeCloud&) = delete;

@@ -8,14 +8,14 @@ PRuntimeCloudApplicationHash::PRuntimeCloudApplicationHash(NString name, NString
 
 PRuntimeCloudApplicationHash::~PRuntimeCloudApplicationHash() = default;
 
-const NString& PRuntimeCloudApplicationHash::name() const noexcept {
+const NString& PRuntimeCloudApplicationHash::name() const {
     return m_name;
 }
 
-const NString& PRuntimeCloudApplicationHash::hash() const noexcept {
+const NString& PRuntimeCloudApplicationHash::hash() const {
     return m_hash;
 }
 
-const NString& PRuntimeCloudApplicationHash::url() const noexcept {
+const NString& PRuntimeCloudApplicationHash::url() const {
     return m_url;
 }

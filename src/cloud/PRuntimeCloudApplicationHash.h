@@ -19,9 +19,9 @@ public:
     PRuntimeCloudApplicationHash& operator=(const PRuntimeCloudApplicationHash&) = default;
     PRuntimeCloudApplicationHash& operator=(PRuntimeCloudApplicationHash&&) noexcept = default;
 
-    virtual const NString& name() const noexcept;
-    virtual const NString& hash() const noexcept;
-    virtual const NString& url() const noexcept;
+    virtual const NString& name() const;
+    virtual const NString& hash() const;
+    virtual const NString& url() const;
 
 private:
     NString m_name;

@@ -8,14 +8,14 @@ PRuntimeCloudDevicePluginsItem::PRuntimeCloudDevicePluginsItem(NString version, 
 
 PRuntimeCloudDevicePluginsItem::~PRuntimeCloudDevicePluginsItem() = default;
 
-const NString& PRuntimeCloudDevicePluginsItem::version() const noexcept {
+const NString& PRuntimeCloudDevicePluginsItem::version() const {
     return m_version;
 }
 
-const NString& PRuntimeCloudDevicePluginsItem::url() const noexcept {
+const NString& PRuntimeCloudDevicePluginsItem::url() const {
     return m_url;
 }
 
-const NString& PRuntimeCloudDevicePluginsItem::hash() const noexcept {
+const NString& PRuntimeCloudDevicePluginsItem::hash() const {
     return m_hash;
 }

@@ -18,9 +18,9 @@ public:
     PRuntimeCloudDevicePluginsItem& operator=(const PRuntimeCloudDevicePluginsItem&) = default;
     PRuntimeCloudDevicePluginsItem& operator=(PRuntimeCloudDevicePluginsItem&&) noexcept = default;
 
-    virtual const NString& version() const noexcept;
-    virtual const NString& url() const noexcept;
-    virtual const NString& hash() const noexcept;
+    virtual const NString& version() const;
+    virtual const NString& url() const;
+    virtual const NString& hash() const;
 
 private:
     NString m_version;

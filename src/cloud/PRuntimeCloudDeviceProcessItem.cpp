@@ -10,18 +10,18 @@ PRuntimeCloudDeviceProcessItem::PRuntimeCloudDeviceProcessItem(NString startsWit
 
 PRuntimeCloudDeviceProcessItem::~PRuntimeCloudDeviceProcessItem() = default;
 
-const NString& PRuntimeCloudDeviceProcessItem::startsWith() const noexcept {
+const NString& PRuntimeCloudDeviceProcessItem::startsWith() const {
     return m_startsWith;
 }
 
-const NString& PRuntimeCloudDeviceProcessItem::contains() const noexcept {
+const NString& PRuntimeCloudDeviceProcessItem::contains() const {
     return m_contains;
 }
 
-const NString& PRuntimeCloudDeviceProcessItem::endsWith() const noexcept {
+const NString& PRuntimeCloudDeviceProcessItem::endsWith() const {
     return m_endsWith;
 }
 
-const NString& PRuntimeCloudDeviceProcessItem::name() const noexcept {
+const NString& PRuntimeCloudDeviceProcessItem::name() const {
     return m_name;
 }

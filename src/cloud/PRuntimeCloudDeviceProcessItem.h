@@ -19,10 +19,10 @@ public:
     PRuntimeCloudDeviceProcessItem& operator=(const PRuntimeCloudDeviceProcessItem&) = default;
     PRuntimeCloudDeviceProcessItem& operator=(PRuntimeCloudDeviceProcessItem&&) noexcept = default;
 
-    virtual const NString& startsWith() const noexcept;
-    virtual const NString& contains() const noexcept;
-    virtual const NString& endsWith() const noexcept;
-    virtual const NString& name() const noexcept;
+    virtual const NString& startsWith() const;
+    virtual const NString& contains() const;
+    virtual const NString& endsWith() const;
+    virtual const NString& name() const;
 
 private:
     NString m_startsWith;

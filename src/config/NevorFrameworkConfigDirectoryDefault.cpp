@@ -4,17 +4,13 @@
 
 void NevorFrameworkConfigDirectoryDefault(const NString& name,
                                           const NString& defaultPath) noexcept {
-    try {
-        std::map<NString, NString>& directory = _globalFrameworkConfig.directory;
-        const auto found = directory.find(name);
-        if (found != directory.end()) {
-            if (found->second.exist()) {
-                return;
-            }
-            directory.erase(found);
+    std::map<NString, NString>& directory = _globalFrameworkConfig.directory;
+    const auto found = directory.find(name);
+    if (found != directory.end()) {
+        if (found->second.exist()) {
+            return;
         }
-        directory.emplace(name, defaultPath);
-    } catch (...) {
-        // Out of memory: the directory stays without a default.
+        directory.erase(found);
     }
+    directory.emplace(name, defaultPath);
 }

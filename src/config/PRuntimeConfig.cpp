@@ -5,6 +5,7 @@
 #include "NFileSystem.h"
 #include "NSystem.h"
 #include "NevorFrameworkConfigDirectoryDefault.h"
+#include "Operation.h"
 #include "RunningVersion.h"
 #include "_PALLIX_RUNTIME_CONFIG.h"
 
@@ -15,8 +16,8 @@ PRuntimeConfig::PRuntimeConfig() noexcept = default;
 
 PRuntimeConfig::~PRuntimeConfig() = default;
 
-void PRuntimeConfig::initialize() noexcept {
-    try {
+void PRuntimeConfig::initialize() {
+    pallix::operation([&] {
         _PALLIX_RUNTIME_CONFIG& config = _globalFrameworkConfig;
         config.newInstall = true;
         config.newUpdate = false;
@@ -54,34 +55,25 @@ void PRuntimeConfig::initialize() noexcept {
 
         NevorFrameworkConfigDirectoryDefault("Data", NSystem::userHome() + "/TolVaneData");
         NevorFrameworkConfigDirectoryDefault("Backup", NApple::BackupDirectory());
-    } catch (...) {
-        // Out of memory while starting: whatever was read so far stays.
-    }
+    });
 }
 
-void PRuntimeConfig::release() noexcept {
-    save();
+void PRuntimeConfig::release() {
+    pallix::operation([&] { save(); });
 }
 
-void PRuntimeConfig::check_disk() noexcept {
-    try {
-        NFileSystem::directory::create(getConfigDirectory("Data"), 0755);
-    } catch (...) {
-    }
+void PRuntimeConfig::check_disk() {
+    pallix::operation([&] { NFileSystem::directory::create(getConfigDirectory("Data"), 0755); });
 }
 
-bool PRuntimeConfig::newInstall() noexcept {
+bool PRuntimeConfig::newInstall() {
     return _globalFrameworkConfig.newInstall;
 }
 
-NString PRuntimeConfig::version() noexcept {
-    try {
-        return _globalFrameworkConfig.version;
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::version() {
+    return pallix::operation([&] { return _globalFrameworkConfig.version; });
 }
 
-bool PRuntimeConfig::newUpdate() noexcept {
+bool PRuntimeConfig::newUpdate() {
     return _globalFrameworkConfig.newUpdate;
 }

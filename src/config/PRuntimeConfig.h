@@ -18,78 +18,77 @@ public:
     virtual ~PRuntimeConfig();
 
     // Start-up and shutdown.
-    virtual void initialize() noexcept;
-    virtual void release() noexcept;
-    virtual void load_old() noexcept;
-    virtual void load_new() noexcept;
-    virtual void save() noexcept;
-    virtual void check_disk() noexcept;
+    virtual void initialize();
+    virtual void release();
+    virtual void load_old();
+    virtual void load_new();
+    virtual void save();
+    virtual void check_disk();
 
     // Setting flags without saving.
-    virtual void _set_setting_status(const NString& name, bool status) noexcept;
-    virtual bool _get_setting_status(const NString& name, bool defaultStatus) const noexcept;
+    virtual void _set_setting_status(const NString& name, bool status);
+    virtual bool _get_setting_status(const NString& name, bool defaultStatus) const;
 
-    virtual bool newInstall() noexcept;
-    virtual NString version() noexcept;
-    virtual bool newUpdate() noexcept;
+    virtual bool newInstall();
+    virtual NString version();
+    virtual bool newUpdate();
 
     // Scalar preferences; every setter saves.
-    virtual void setPopupTimeADAPP(unsigned long long time) noexcept;
-    virtual unsigned long long getPopupTimeADAPP() noexcept;
-    virtual void setSameTimeDownloadNumber(int number) noexcept;
-    virtual int getSameTimeDownloadNumber() noexcept;
-    virtual void setDownloadMaxSpeed(long long speed) noexcept;
-    virtual long long getDownloadMaxSpeed() noexcept;
-    virtual void setLastSkin(const NString& skin) noexcept;
-    virtual NString getLastSkin() noexcept;
-    virtual void setLastLanguage(EPALLIX_RUNTIME_LANGUAGE language) noexcept;
-    virtual EPALLIX_RUNTIME_LANGUAGE getLastLanguage() noexcept;
-    virtual void setRestoreCore(EPALLIX_RUNTIME_RESTORE_CORE core) noexcept;
-    virtual EPALLIX_RUNTIME_RESTORE_CORE getRestoreCore() noexcept;
-    virtual void setConfigDirectory(const NString& name, const NString& path) noexcept;
-    virtual NString getConfigDirectory(const NString& name) noexcept;
+    virtual void setPopupTimeADAPP(unsigned long long time);
+    virtual unsigned long long getPopupTimeADAPP();
+    virtual void setSameTimeDownloadNumber(int number);
+    virtual int getSameTimeDownloadNumber();
+    virtual void setDownloadMaxSpeed(long long speed);
+    virtual long long getDownloadMaxSpeed();
+    virtual void setLastSkin(const NString& skin);
+    virtual NString getLastSkin();
+    virtual void setLastLanguage(EPALLIX_RUNTIME_LANGUAGE language);
+    virtual EPALLIX_RUNTIME_LANGUAGE getLastLanguage();
+    virtual void setRestoreCore(EPALLIX_RUNTIME_RESTORE_CORE core);
+    virtual EPALLIX_RUNTIME_RESTORE_CORE getRestoreCore();
+    virtual void setConfigDirectory(const NString& name, const NString& path);
+    virtual NString getConfigDirectory(const NString& name);
 
     // Named flags.
-    virtual void setSettingStatus(const NString& name, bool status) noexcept;
-    virtual bool getSettingStatus(const NString& name) const noexcept;
-    virtual void setToolsHot(const NString& tool, bool hot) noexcept;
-    virtual bool getToolsHot(const NString& tool) noexcept;
-    virtual void setAutoImportRingtone(bool on) noexcept;
-    virtual bool getAutoImportRingtone() const noexcept;
+    virtual void setSettingStatus(const NString& name, bool status);
+    virtual bool getSettingStatus(const NString& name) const;
+    virtual void setToolsHot(const NString& tool, bool hot);
+    virtual bool getToolsHot(const NString& tool);
+    virtual void setAutoImportRingtone(bool on);
+    virtual bool getAutoImportRingtone() const;
 
     // Favourites and location lists.
-    virtual void customBackupAppend(const NString& directory) noexcept;
-    virtual void customBackupRemove(const NString& directory) noexcept;
-    virtual void customBackupTraverse(std::function<void(const NString&)> visit) noexcept;
-    virtual void fileCollectAppend(const NString& path, bool root) noexcept;
-    virtual void fileCollectRemove(const NString& path, bool root) noexcept;
+    virtual void customBackupAppend(const NString& directory);
+    virtual void customBackupRemove(const NString& directory);
+    virtual void customBackupTraverse(std::function<void(const NString&)> visit);
+    virtual void fileCollectAppend(const NString& path, bool root);
+    virtual void fileCollectRemove(const NString& path, bool root);
+    virtual void fileCollectTraverse(const std::function<bool(const NString&, bool)>& visit);
+    virtual void virtualLocationAppend(double x, double y, const NString& location);
+    virtual void virtualLocationRemove(double x, double y);
+    virtual void virtualLocationClear();
     virtual void
-    fileCollectTraverse(const std::function<bool(const NString&, bool)>& visit) noexcept;
-    virtual void virtualLocationAppend(double x, double y, const NString& location) noexcept;
-    virtual void virtualLocationRemove(double x, double y) noexcept;
-    virtual void virtualLocationClear() noexcept;
-    virtual void virtualLocationTraverse(
-        const std::function<void(double, double, const NString&)>& visit) noexcept;
-    virtual void locationCollectAppend(double x, double y, const NString& location) noexcept;
-    virtual void locationCollectRemove(double x, double y) noexcept;
-    virtual void locationCollectClear() noexcept;
-    virtual void locationCollectTraverse(
-        const std::function<void(double, double, const NString&)>& visit) noexcept;
+    virtualLocationTraverse(const std::function<void(double, double, const NString&)>& visit);
+    virtual void locationCollectAppend(double x, double y, const NString& location);
+    virtual void locationCollectRemove(double x, double y);
+    virtual void locationCollectClear();
+    virtual void
+    locationCollectTraverse(const std::function<void(double, double, const NString&)>& visit);
 
     // Working directories under the data root; each but localRestoreVersion() is created
     // (mode 0755) on every call.
-    virtual NString localRoot() noexcept;
-    virtual NString localFirmwareSave() noexcept;
-    virtual NString localFirmwareArchiver() noexcept;
-    virtual NString localDownload() noexcept;
-    virtual NString localRestoreVersion() noexcept;
-    virtual NString localRingtoneSave() noexcept;
-    virtual NString localRingtoneMake() noexcept;
-    virtual NString localPluginsSave() noexcept;
-    virtual NString localScreenSave() noexcept;
-    virtual NString localPicturePreview() noexcept;
-    virtual NString localNormal() noexcept;
-    virtual NString localNormalBottomBackup() noexcept;
+    virtual NString localRoot();
+    virtual NString localFirmwareSave();
+    virtual NString localFirmwareArchiver();
+    virtual NString localDownload();
+    virtual NString localRestoreVersion();
+    virtual NString localRingtoneSave();
+    virtual NString localRingtoneMake();
+    virtual NString localPluginsSave();
+    virtual NString localScreenSave();
+    virtual NString localPicturePreview();
+    virtual NString localNormal();
+    virtual NString localNormalBottomBackup();
 
     PRuntimeConfig(const PRuntimeConfig&) = delete;
     PRuntimeConfig& operator=(const PRuntimeConfig&) = delete;

@@ -3,6 +3,7 @@
 #include "ConfigMaps.h"
 #include "NFileSystem.h"
 #include "NormalisedPath.h"
+#include "Operation.h"
 #include "_PALLIX_RUNTIME_CONFIG.h"
 
 // Named working directories and the working directories derived from "Data". Every accessor
@@ -20,119 +21,68 @@ NString created(const NString& path) {
 
 } // namespace
 
-void PRuntimeConfig::setConfigDirectory(const NString& name, const NString& path) noexcept {
-    try {
+void PRuntimeConfig::setConfigDirectory(const NString& name, const NString& path) {
+    pallix::operation([&] {
         pallix::config::replaceEntry(_globalFrameworkConfig.directory, name, path);
-    } catch (...) {
-        return;
-    }
-    save();
+        save();
+    });
 }
 
-NString PRuntimeConfig::getConfigDirectory(const NString& name) noexcept {
-    try {
+NString PRuntimeConfig::getConfigDirectory(const NString& name) {
+    return pallix::operation([&] {
         const std::map<NString, NString>& directory = _globalFrameworkConfig.directory;
         const auto found = directory.find(name);
         return found != directory.end() ? found->second : NString();
-    } catch (...) {
-        return NString();
-    }
+    });
 }
 
-NString PRuntimeConfig::localRoot() noexcept {
-    try {
-        return created(pallix::config::normalisedPath(getConfigDirectory("Data")));
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localRoot() {
+    return pallix::operation(
+        [&] { return created(pallix::config::normalisedPath(getConfigDirectory("Data"))); });
 }
 
 // Firmware downloads and other downloads share one directory on purpose.
-NString PRuntimeConfig::localFirmwareSave() noexcept {
-    try {
-        return created(localRoot() + "/Download");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localFirmwareSave() {
+    return pallix::operation([&] { return created(localRoot() + "/Download"); });
 }
 
-NString PRuntimeConfig::localFirmwareArchiver() noexcept {
-    try {
-        return created(localRoot() + "/IpswCache");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localFirmwareArchiver() {
+    return pallix::operation([&] { return created(localRoot() + "/IpswCache"); });
 }
 
-NString PRuntimeConfig::localDownload() noexcept {
-    try {
-        return created(localRoot() + "/Download");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localDownload() {
+    return pallix::operation([&] { return created(localRoot() + "/Download"); });
 }
 
 // A file inside the firmware cache; its directory is created by localFirmwareArchiver().
-NString PRuntimeConfig::localRestoreVersion() noexcept {
-    try {
-        return localFirmwareArchiver() + "/version.xml";
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localRestoreVersion() {
+    return pallix::operation([&] { return localFirmwareArchiver() + "/version.xml"; });
 }
 
-NString PRuntimeConfig::localRingtoneSave() noexcept {
-    try {
-        return created(localRoot() + "/Ringtone");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localRingtoneSave() {
+    return pallix::operation([&] { return created(localRoot() + "/Ringtone"); });
 }
 
-NString PRuntimeConfig::localRingtoneMake() noexcept {
-    try {
-        return created(localRoot() + "/RingtoneMake");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localRingtoneMake() {
+    return pallix::operation([&] { return created(localRoot() + "/RingtoneMake"); });
 }
 
-NString PRuntimeConfig::localPluginsSave() noexcept {
-    try {
-        return created(localRoot() + "/PluginsSave");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localPluginsSave() {
+    return pallix::operation([&] { return created(localRoot() + "/PluginsSave"); });
 }
 
-NString PRuntimeConfig::localScreenSave() noexcept {
-    try {
-        return created(localRoot() + "/ScreenSave");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localScreenSave() {
+    return pallix::operation([&] { return created(localRoot() + "/ScreenSave"); });
 }
 
-NString PRuntimeConfig::localPicturePreview() noexcept {
-    try {
-        return created(localRoot() + "/PicturePreview");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localPicturePreview() {
+    return pallix::operation([&] { return created(localRoot() + "/PicturePreview"); });
 }
 
-NString PRuntimeConfig::localNormal() noexcept {
-    try {
-        return created(localRoot() + "/Normal");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localNormal() {
+    return pallix::operation([&] { return created(localRoot() + "/Normal"); });
 }
 
-NString PRuntimeConfig::localNormalBottomBackup() noexcept {
-    try {
-        return created(localNormal() + "/Bottom");
-    } catch (...) {
-        return NString();
-    }
+NString PRuntimeConfig::localNormalBottomBackup() {
+    return pallix::operation([&] { return created(localNormal() + "/Bottom"); });
 }

@@ -5,6 +5,7 @@
 #include "ConfigXml.h"
 #include "NApple.h"
 #include "NFileSystem.h"
+#include "Operation.h"
 #include "XmlFile.h"
 #include "_PALLIX_RUNTIME_CONFIG.h"
 
@@ -69,8 +70,8 @@ void writePlaces(pugi::xml_node& root, const char* element,
 
 } // namespace
 
-void PRuntimeConfig::load_new() noexcept {
-    try {
+void PRuntimeConfig::load_new() {
+    pallix::operation([&] {
         _PALLIX_RUNTIME_CONFIG& config = _globalFrameworkConfig;
         const NString path = pallix::config::currentFilePath();
         config.newInstall = !NFileSystem::path::exist(path);
@@ -124,13 +125,11 @@ void PRuntimeConfig::load_new() noexcept {
         readFlags(root.child("AutoImport"), config.autoImport);
         readPlaces(root.child("VirtualLocation"), config.virtualLocation);
         readPlaces(root.child("LocationFavorites"), config.locationFavorites);
-    } catch (...) {
-        // Out of memory while reading: what was read so far stays.
-    }
+    });
 }
 
-void PRuntimeConfig::save() noexcept {
-    try {
+void PRuntimeConfig::save() {
+    pallix::operation([&] {
         const _PALLIX_RUNTIME_CONFIG& config = _globalFrameworkConfig;
         pugi::xml_document document;
         pugi::xml_node root = document.append_child("Nevor");
@@ -173,6 +172,5 @@ void PRuntimeConfig::save() noexcept {
 
         // A failed write leaves the previous file (or none); the record keeps its values.
         pallix::XmlFile::save(document, pallix::config::currentFilePath());
-    } catch (...) {
-    }
+    });
 }

@@ -4,6 +4,7 @@
 #include "ConfigMaps.h"
 #include "ConfigXml.h"
 #include "NApple.h"
+#include "Operation.h"
 #include "XmlFile.h"
 #include "_PALLIX_RUNTIME_CONFIG.h"
 
@@ -59,8 +60,8 @@ void appendPlaces(const pugi::xml_node& list, std::list<_PALLIX_RUNTIME_CONFIG_V
 
 } // namespace
 
-void PRuntimeConfig::load_old() noexcept {
-    try {
+void PRuntimeConfig::load_old() {
+    pallix::operation([&] {
         _PALLIX_RUNTIME_CONFIG& config = _globalFrameworkConfig;
         const NString path = pallix::config::legacyFilePath();
         // A legacy file means an earlier installation, whether or not it can be read.
@@ -124,7 +125,5 @@ void PRuntimeConfig::load_old() noexcept {
 
         appendPlaces(root.child("VirtualLocationList"), config.virtualLocation);
         appendPlaces(root.child("LocationCollectList"), config.locationFavorites);
-    } catch (...) {
-        // Out of memory while importing: what was read so far stays.
-    }
+    });
 }

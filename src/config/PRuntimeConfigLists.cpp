@@ -1,6 +1,7 @@
 #include "PRuntimeConfig.h"
 
 #include "NormalisedPath.h"
+#include "Operation.h"
 #include "_PALLIX_RUNTIME_CONFIG.h"
 
 // The four user lists. Paths are stored and compared in normalised form; places are compared
@@ -49,8 +50,8 @@ void visitPlaces(const Places& places,
 
 } // namespace
 
-void PRuntimeConfig::customBackupAppend(const NString& directory) noexcept {
-    try {
+void PRuntimeConfig::customBackupAppend(const NString& directory) {
+    pallix::operation([&] {
         const NString path = normalisedPath(directory);
         std::list<NString>& backups = _globalFrameworkConfig.customBackup;
         for (const NString& backup : backups) {
@@ -59,14 +60,12 @@ void PRuntimeConfig::customBackupAppend(const NString& directory) noexcept {
             }
         }
         backups.push_back(path);
-    } catch (...) {
-        return;
-    }
-    save();
+        save();
+    });
 }
 
-void PRuntimeConfig::customBackupRemove(const NString& directory) noexcept {
-    try {
+void PRuntimeConfig::customBackupRemove(const NString& directory) {
+    pallix::operation([&] {
         const NString path = normalisedPath(directory);
         std::list<NString>& backups = _globalFrameworkConfig.customBackup;
         for (auto backup = backups.begin(); backup != backups.end(); ++backup) {
@@ -75,25 +74,23 @@ void PRuntimeConfig::customBackupRemove(const NString& directory) noexcept {
                 break;
             }
         }
-    } catch (...) {
-    }
-    save();
+        save();
+    });
 }
 
-void PRuntimeConfig::customBackupTraverse(std::function<void(const NString&)> visit) noexcept {
-    try {
+void PRuntimeConfig::customBackupTraverse(std::function<void(const NString&)> visit) {
+    pallix::operation([&] {
         for (const NString& backup : _globalFrameworkConfig.customBackup) {
             if (visit) {
                 visit(backup);
             }
         }
-    } catch (...) {
-    }
+    });
 }
 
 // The root flag is not compared: a path is a favourite once, with the flag it first came with.
-void PRuntimeConfig::fileCollectAppend(const NString& path, bool root) noexcept {
-    try {
+void PRuntimeConfig::fileCollectAppend(const NString& path, bool root) {
+    pallix::operation([&] {
         _PALLIX_RUNTIME_CONFIG_FC favourite;
         favourite.Path = normalisedPath(path);
         favourite.Root = root;
@@ -104,15 +101,13 @@ void PRuntimeConfig::fileCollectAppend(const NString& path, bool root) noexcept 
             }
         }
         favourites.push_back(favourite);
-    } catch (...) {
-        return;
-    }
-    save();
+        save();
+    });
 }
 
 // Here the root flag must match as well.
-void PRuntimeConfig::fileCollectRemove(const NString& path, bool root) noexcept {
-    try {
+void PRuntimeConfig::fileCollectRemove(const NString& path, bool root) {
+    pallix::operation([&] {
         const NString normalised = normalisedPath(path);
         std::list<_PALLIX_RUNTIME_CONFIG_FC>& favourites = _globalFrameworkConfig.fileFavorites;
         for (auto favourite = favourites.begin(); favourite != favourites.end(); ++favourite) {
@@ -121,74 +116,72 @@ void PRuntimeConfig::fileCollectRemove(const NString& path, bool root) noexcept 
                 break;
             }
         }
-    } catch (...) {
-    }
-    save();
+        save();
+    });
 }
 
-void PRuntimeConfig::fileCollectTraverse(
-    const std::function<bool(const NString&, bool)>& visit) noexcept {
-    if (!visit) {
-        return;
-    }
-    try {
+void PRuntimeConfig::fileCollectTraverse(const std::function<bool(const NString&, bool)>& visit) {
+    pallix::operation([&] {
+        if (!visit) {
+            return;
+        }
+
         for (const _PALLIX_RUNTIME_CONFIG_FC& favourite : _globalFrameworkConfig.fileFavorites) {
             if (!visit(favourite.Path, favourite.Root)) {
                 return;
             }
         }
-    } catch (...) {
-    }
+    });
 }
 
-void PRuntimeConfig::virtualLocationAppend(double x, double y, const NString& location) noexcept {
-    try {
+void PRuntimeConfig::virtualLocationAppend(double x, double y, const NString& location) {
+    pallix::operation([&] {
         appendPlace(_globalFrameworkConfig.virtualLocation, x, y, location);
-    } catch (...) {
-    }
-    save();
+        save();
+    });
 }
 
-void PRuntimeConfig::virtualLocationRemove(double x, double y) noexcept {
-    eraseFirstPlace(_globalFrameworkConfig.virtualLocation, x, y);
-    save();
+void PRuntimeConfig::virtualLocationRemove(double x, double y) {
+    pallix::operation([&] {
+        eraseFirstPlace(_globalFrameworkConfig.virtualLocation, x, y);
+        save();
+    });
 }
 
-void PRuntimeConfig::virtualLocationClear() noexcept {
-    clearPlaces(_globalFrameworkConfig.virtualLocation);
-    save();
+void PRuntimeConfig::virtualLocationClear() {
+    pallix::operation([&] {
+        clearPlaces(_globalFrameworkConfig.virtualLocation);
+        save();
+    });
 }
 
 void PRuntimeConfig::virtualLocationTraverse(
-    const std::function<void(double, double, const NString&)>& visit) noexcept {
-    try {
-        visitPlaces(_globalFrameworkConfig.virtualLocation, visit);
-    } catch (...) {
-    }
+    const std::function<void(double, double, const NString&)>& visit) {
+    pallix::operation([&] { visitPlaces(_globalFrameworkConfig.virtualLocation, visit); });
 }
 
-void PRuntimeConfig::locationCollectAppend(double x, double y, const NString& location) noexcept {
-    try {
+void PRuntimeConfig::locationCollectAppend(double x, double y, const NString& location) {
+    pallix::operation([&] {
         appendPlace(_globalFrameworkConfig.locationFavorites, x, y, location);
-    } catch (...) {
-    }
-    save();
+        save();
+    });
 }
 
-void PRuntimeConfig::locationCollectRemove(double x, double y) noexcept {
-    eraseFirstPlace(_globalFrameworkConfig.locationFavorites, x, y);
-    save();
+void PRuntimeConfig::locationCollectRemove(double x, double y) {
+    pallix::operation([&] {
+        eraseFirstPlace(_globalFrameworkConfig.locationFavorites, x, y);
+        save();
+    });
 }
 
-void PRuntimeConfig::locationCollectClear() noexcept {
-    clearPlaces(_globalFrameworkConfig.locationFavorites);
-    save();
+void PRuntimeConfig::locationCollectClear() {
+    pallix::operation([&] {
+        clearPlaces(_globalFrameworkConfig.locationFavorites);
+        save();
+    });
 }
 
 void PRuntimeConfig::locationCollectTraverse(
-    const std::function<void(double, double, const NString&)>& visit) noexcept {
-    try {
-        visitPlaces(_globalFrameworkConfig.locationFavorites, visit);
-    } catch (...) {
-    }
+    const std::function<void(double, double, const NString&)>& visit) {
+    pallix::operation([&] { visitPlaces(_globalFrameworkConfig.locationFavorites, visit); });
 }

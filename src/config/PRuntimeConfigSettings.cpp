@@ -1,6 +1,7 @@
 #include "PRuntimeConfig.h"
 
 #include "ConfigMaps.h"
+#include "Operation.h"
 #include "_PALLIX_RUNTIME_CONFIG.h"
 
 // Scalar preferences and the three families of named flags. Every public setter saves the
@@ -9,91 +10,93 @@
 
 using pallix::config::replaceEntry;
 
-void PRuntimeConfig::_set_setting_status(const NString& name, bool status) noexcept {
-    try {
-        replaceEntry(_globalFrameworkConfig.status, name, status);
-    } catch (...) {
-    }
+void PRuntimeConfig::_set_setting_status(const NString& name, bool status) {
+    pallix::operation([&] { replaceEntry(_globalFrameworkConfig.status, name, status); });
 }
 
-bool PRuntimeConfig::_get_setting_status(const NString& name, bool defaultStatus) const noexcept {
-    try {
-        return _globalFrameworkConfig.status.emplace(name, defaultStatus).first->second;
-    } catch (...) {
-        return defaultStatus;
-    }
+bool PRuntimeConfig::_get_setting_status(const NString& name, bool defaultStatus) const {
+    return pallix::operation(
+        [&] { return _globalFrameworkConfig.status.emplace(name, defaultStatus).first->second; });
 }
 
-void PRuntimeConfig::setPopupTimeADAPP(unsigned long long time) noexcept {
-    _globalFrameworkConfig.popupTimeADAPP = time;
-    save();
+void PRuntimeConfig::setPopupTimeADAPP(unsigned long long time) {
+    pallix::operation([&] {
+        _globalFrameworkConfig.popupTimeADAPP = time;
+        save();
+    });
 }
 
-unsigned long long PRuntimeConfig::getPopupTimeADAPP() noexcept {
+unsigned long long PRuntimeConfig::getPopupTimeADAPP() {
     return _globalFrameworkConfig.popupTimeADAPP;
 }
 
-void PRuntimeConfig::setSameTimeDownloadNumber(int number) noexcept {
-    _globalFrameworkConfig.sameTimeDownloadNumber = number;
-    save();
+void PRuntimeConfig::setSameTimeDownloadNumber(int number) {
+    pallix::operation([&] {
+        _globalFrameworkConfig.sameTimeDownloadNumber = number;
+        save();
+    });
 }
 
-int PRuntimeConfig::getSameTimeDownloadNumber() noexcept {
+int PRuntimeConfig::getSameTimeDownloadNumber() {
     return static_cast<int>(_globalFrameworkConfig.sameTimeDownloadNumber);
 }
 
-void PRuntimeConfig::setDownloadMaxSpeed(long long speed) noexcept {
-    _globalFrameworkConfig.downloadMaxSpeed = speed;
-    save();
+void PRuntimeConfig::setDownloadMaxSpeed(long long speed) {
+    pallix::operation([&] {
+        _globalFrameworkConfig.downloadMaxSpeed = speed;
+        save();
+    });
 }
 
-long long PRuntimeConfig::getDownloadMaxSpeed() noexcept {
+long long PRuntimeConfig::getDownloadMaxSpeed() {
     return _globalFrameworkConfig.downloadMaxSpeed;
 }
 
-void PRuntimeConfig::setLastSkin(const NString& skin) noexcept {
-    try {
+void PRuntimeConfig::setLastSkin(const NString& skin) {
+    pallix::operation([&] {
         _globalFrameworkConfig.lastSkin = skin;
-    } catch (...) {
-        return;
-    }
-    save();
+        save();
+    });
 }
 
-NString PRuntimeConfig::getLastSkin() noexcept {
-    try {
+NString PRuntimeConfig::getLastSkin() {
+    return pallix::operation([&] {
         const NString& skin = _globalFrameworkConfig.lastSkin;
         return skin.exist() ? skin : NString("236EE7");
-    } catch (...) {
-        return NString();
-    }
+    });
 }
 
-void PRuntimeConfig::setLastLanguage(EPALLIX_RUNTIME_LANGUAGE language) noexcept {
-    _globalFrameworkConfig.lastLanguage = language;
-    save();
+void PRuntimeConfig::setLastLanguage(EPALLIX_RUNTIME_LANGUAGE language) {
+    pallix::operation([&] {
+        _globalFrameworkConfig.lastLanguage = language;
+        save();
+    });
 }
 
-EPALLIX_RUNTIME_LANGUAGE PRuntimeConfig::getLastLanguage() noexcept {
+EPALLIX_RUNTIME_LANGUAGE PRuntimeConfig::getLastLanguage() {
     return _globalFrameworkConfig.lastLanguage;
 }
 
-void PRuntimeConfig::setRestoreCore(EPALLIX_RUNTIME_RESTORE_CORE core) noexcept {
-    _globalFrameworkConfig.restoreCore = core;
-    save();
+void PRuntimeConfig::setRestoreCore(EPALLIX_RUNTIME_RESTORE_CORE core) {
+    pallix::operation([&] {
+        _globalFrameworkConfig.restoreCore = core;
+        save();
+    });
 }
 
-EPALLIX_RUNTIME_RESTORE_CORE PRuntimeConfig::getRestoreCore() noexcept {
+EPALLIX_RUNTIME_RESTORE_CORE PRuntimeConfig::getRestoreCore() {
     return _globalFrameworkConfig.restoreCore;
 }
 
-void PRuntimeConfig::setSettingStatus(const NString& name, bool status) noexcept {
-    _set_setting_status(name, status);
-    save();
+void PRuntimeConfig::setSettingStatus(const NString& name, bool status) {
+    pallix::operation([&] {
+        _set_setting_status(name, status);
+        save();
+    });
 }
 
-bool PRuntimeConfig::getSettingStatus(const NString& name) const noexcept {
-    try {
+bool PRuntimeConfig::getSettingStatus(const NString& name) const {
+    return pallix::operation([&] {
         // The defaults of the settings the application knows; any other name defaults to false.
         static std::map<NString, bool> _staticSettingDefault;
         if (_staticSettingDefault.empty()) {
@@ -117,43 +120,32 @@ bool PRuntimeConfig::getSettingStatus(const NString& name) const noexcept {
             defaultStatus = found->second;
         }
         return _get_setting_status(name, defaultStatus);
-    } catch (...) {
-        return false;
-    }
+    });
 }
 
-void PRuntimeConfig::setToolsHot(const NString& tool, bool hot) noexcept {
-    try {
+void PRuntimeConfig::setToolsHot(const NString& tool, bool hot) {
+    pallix::operation([&] {
         replaceEntry(_globalFrameworkConfig.tools, tool, hot);
-    } catch (...) {
-        return;
-    }
-    save();
+        save();
+    });
 }
 
-bool PRuntimeConfig::getToolsHot(const NString& tool) noexcept {
-    try {
-        return _globalFrameworkConfig.tools.emplace(tool, true).first->second;
-    } catch (...) {
-        return true;
-    }
+bool PRuntimeConfig::getToolsHot(const NString& tool) {
+    return pallix::operation(
+        [&] { return _globalFrameworkConfig.tools.emplace(tool, true).first->second; });
 }
 
-void PRuntimeConfig::setAutoImportRingtone(bool on) noexcept {
-    try {
+void PRuntimeConfig::setAutoImportRingtone(bool on) {
+    pallix::operation([&] {
         replaceEntry(_globalFrameworkConfig.autoImport, NString("Ringtone"), on);
-    } catch (...) {
-        return;
-    }
-    save();
+        save();
+    });
 }
 
-bool PRuntimeConfig::getAutoImportRingtone() const noexcept {
-    try {
+bool PRuntimeConfig::getAutoImportRingtone() const {
+    return pallix::operation([&] {
         const std::map<NString, bool>& autoImport = _globalFrameworkConfig.autoImport;
         const auto found = autoImport.find(NString("Ringtone"));
         return found != autoImport.end() ? found->second : true;
-    } catch (...) {
-        return true;
-    }
+    });
 }

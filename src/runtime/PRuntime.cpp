@@ -69,66 +69,66 @@ void PRuntime::freeInstance() noexcept {
     }
 }
 
-PRuntimeValue* PRuntime::value() noexcept {
+PRuntimeValue* PRuntime::value() {
     return obtain(m_value);
 }
 
-PRuntimePortbind* PRuntime::portbind() noexcept {
+PRuntimePortbind* PRuntime::portbind() {
     return obtain(m_portbind);
 }
 
-PRuntimeLocation* PRuntime::location() noexcept {
+PRuntimeLocation* PRuntime::location() {
     return obtain(m_location);
 }
 
-PRuntimeShell* PRuntime::shell() noexcept {
+PRuntimeShell* PRuntime::shell() {
     return obtain(m_shell);
 }
 
-PRuntimeString* PRuntime::string() noexcept {
+PRuntimeString* PRuntime::string() {
     return obtain(m_string);
 }
 
-PRuntimePicture* PRuntime::picture() noexcept {
+PRuntimePicture* PRuntime::picture() {
     return obtain(m_picture);
 }
 
-PRuntimeAnimation* PRuntime::animation() noexcept {
+PRuntimeAnimation* PRuntime::animation() {
     return obtain(m_animation);
 }
 
-PRuntimeWindow* PRuntime::window() noexcept {
+PRuntimeWindow* PRuntime::window() {
     return obtain(m_window);
 }
 
-PRuntimeCloud* PRuntime::cloud() noexcept {
+PRuntimeCloud* PRuntime::cloud() {
     return obtain(m_cloud);
 }
 
-PRuntimeConfig* PRuntime::config() noexcept {
+PRuntimeConfig* PRuntime::config() {
     return obtain(m_config);
 }
 
-PRuntimeCpid* PRuntime::cpid() noexcept {
+PRuntimeCpid* PRuntime::cpid() {
     return obtain(m_cpid);
 }
 
-PRuntimeCrashCode* PRuntime::crashCode() noexcept {
+PRuntimeCrashCode* PRuntime::crashCode() {
     return obtain(m_crashCode);
 }
 
-PRuntimeRestore* PRuntime::restore() noexcept {
+PRuntimeRestore* PRuntime::restore() {
     return obtain(m_restore);
 }
 
-PRuntimeFactory* PRuntime::factory() noexcept {
+PRuntimeFactory* PRuntime::factory() {
     return obtain(m_factory);
 }
 
-PRuntimeNotify* PRuntime::notify() noexcept {
+PRuntimeNotify* PRuntime::notify() {
     return obtain(m_notify);
 }
 
-PRuntimePluginMapping* PRuntime::pluginMapping() noexcept {
+PRuntimePluginMapping* PRuntime::pluginMapping() {
     return obtain(m_pluginMapping);
 }

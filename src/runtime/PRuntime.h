@@ -33,22 +33,22 @@ public:
 
     virtual ~PRuntime();
 
-    virtual PRuntimeValue* value() noexcept;
-    virtual PRuntimePortbind* portbind() noexcept;
-    virtual PRuntimeLocation* location() noexcept;
-    virtual PRuntimeShell* shell() noexcept;
-    virtual PRuntimeString* string() noexcept;
-    virtual PRuntimePicture* picture() noexcept;
-    virtual PRuntimeAnimation* animation() noexcept;
-    virtual PRuntimeWindow* window() noexcept;
-    virtual PRuntimeCloud* cloud() noexcept;
-    virtual PRuntimeConfig* config() noexcept;
-    virtual PRuntimeCpid* cpid() noexcept;
-    virtual PRuntimeCrashCode* crashCode() noexcept;
-    virtual PRuntimeRestore* restore() noexcept;
-    virtual PRuntimeFactory* factory() noexcept;
-    virtual PRuntimeNotify* notify() noexcept;
-    virtual PRuntimePluginMapping* pluginMapping() noexcept;
+    virtual PRuntimeValue* value();
+    virtual PRuntimePortbind* portbind();
+    virtual PRuntimeLocation* location();
+    virtual PRuntimeShell* shell();
+    virtual PRuntimeString* string();
+    virtual PRuntimePicture* picture();
+    virtual PRuntimeAnimation* animation();
+    virtual PRuntimeWindow* window();
+    virtual PRuntimeCloud* cloud();
+    virtual PRuntimeConfig* config();
+    virtual PRuntimeCpid* cpid();
+    virtual PRuntimeCrashCode* crashCode();
+    virtual PRuntimeRestore* restore();
+    virtual PRuntimeFactory* factory();
+    virtual PRuntimeNotify* notify();
+    virtual PRuntimePluginMapping* pluginMapping();
 
     PRuntime(const PRuntime&) = delete;
     PRuntime& operator=(const PRuntime&) = delete;

@@ -14,14 +14,13 @@ public:
     virtual ~PRuntimeValue();
 
     // Inserts a copy of the value, or assigns it over the stored one.
-    virtual void set(EPALLIX_RUNTIME_VALUE key, const NVariant& value) noexcept;
+    virtual void set(EPALLIX_RUNTIME_VALUE key, const NVariant& value);
     // The stored value, or the caller's own `defaultValue` object when the key is absent: the
     // result must not outlive that argument.
-    virtual const NVariant& find(EPALLIX_RUNTIME_VALUE key,
-                                 const NVariant& defaultValue) const noexcept;
+    virtual const NVariant& find(EPALLIX_RUNTIME_VALUE key, const NVariant& defaultValue) const;
     // A copy of the stored value, which is then erased; a copy of the default when absent.
-    virtual NVariant take(EPALLIX_RUNTIME_VALUE key, const NVariant& defaultValue) noexcept;
-    virtual void remove(EPALLIX_RUNTIME_VALUE key) noexcept;
+    virtual NVariant take(EPALLIX_RUNTIME_VALUE key, const NVariant& defaultValue);
+    virtual void remove(EPALLIX_RUNTIME_VALUE key);
 
     PRuntimeValue(const PRuntimeValue&) = delete;
     PRuntimeValue& operator=(const PRuntimeValue&) = delete;

@@ -3,6 +3,7 @@
 #include "NApplication.h"
 #include "NFileSystem.h"
 #include "NJsonObject.h"
+#include "Operation.h"
 
 #include <cstdlib>
 #include <vector>
@@ -25,9 +26,9 @@ PRuntimeFactory::PRuntimeFactory() noexcept : m_mutex(NMutex::Recursive) {}
 
 PRuntimeFactory::~PRuntimeFactory() = default;
 
-void PRuntimeFactory::_read() noexcept {
-    NMutexAuto guard(m_mutex);
-    try {
+void PRuntimeFactory::_read() {
+    pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
         const NJsonObject document(NFileSystem::file::toBytes(factoryPath()));
         if (!document.exist()) {
             return;
@@ -49,14 +50,12 @@ void PRuntimeFactory::_read() noexcept {
                 m_devices.emplace(id, std::move(info));
             }
         }
-    } catch (...) {
-        // Out of memory while reading: keep what was read so far.
-    }
+    });
 }
 
-void PRuntimeFactory::_write() noexcept {
-    NMutexAuto guard(m_mutex);
-    try {
+void PRuntimeFactory::_write() {
+    pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
         NJsonObject document;
         for (const auto& [id, info] : m_devices) {
             if (!info.exist()) {
@@ -70,71 +69,74 @@ void PRuntimeFactory::_write() noexcept {
         }
         const NString text = document.toString();
         NFileSystem::file::fromBytes(factoryPath(), NByteArray(text.toStdString()));
-    } catch (...) {
-        // Out of memory while building the text: the file keeps its earlier content.
-    }
+    });
 }
 
-void PRuntimeFactory::initialize() noexcept {
-    NMutexAuto guard(m_mutex);
-    if (!m_initialized) {
-        // Set first: a file that cannot be read is not retried on every operation.
-        m_initialized = true;
-        _read();
-    }
+void PRuntimeFactory::initialize() {
+    pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
+        if (!m_initialized) {
+            // Set first: a file that cannot be read is not retried on every operation.
+            m_initialized = true;
+            _read();
+        }
+    });
 }
 
-bool PRuntimeFactory::empty() noexcept {
-    NMutexAuto guard(m_mutex);
-    initialize();
-    return m_devices.empty();
+bool PRuntimeFactory::empty() {
+    return pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
+        initialize();
+        return m_devices.empty();
+    });
 }
 
-bool PRuntimeFactory::exist() noexcept {
-    NMutexAuto guard(m_mutex);
-    initialize();
-    return !m_devices.empty();
+bool PRuntimeFactory::exist() {
+    return pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
+        initialize();
+        return !m_devices.empty();
+    });
 }
 
-void PRuntimeFactory::append(unsigned long long id, const NDeviceInfoFactory& info) noexcept {
-    NMutexAuto guard(m_mutex);
-    initialize();
-    try {
+void PRuntimeFactory::append(unsigned long long id, const NDeviceInfoFactory& info) {
+    pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
+        initialize();
         m_devices.insert_or_assign(id, info);
-    } catch (...) {
-        return;
-    }
-    _write();
+        _write();
+    });
 }
 
-bool PRuntimeFactory::find(unsigned long long id) noexcept {
-    NMutexAuto guard(m_mutex);
-    initialize();
-    return m_devices.count(id) != 0;
+bool PRuntimeFactory::find(unsigned long long id) {
+    return pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
+        initialize();
+        return m_devices.count(id) != 0;
+    });
 }
 
-void PRuntimeFactory::remove(unsigned long long id) noexcept {
-    NMutexAuto guard(m_mutex);
-    initialize();
-    m_devices.erase(id);
-    _write();
+void PRuntimeFactory::remove(unsigned long long id) {
+    pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
+        initialize();
+        m_devices.erase(id);
+        _write();
+    });
 }
 
-void PRuntimeFactory::traverse(const Visitor& visit) noexcept {
-    std::map<unsigned long long, NDeviceInfoFactory> copy;
-    m_mutex.lock();
-    initialize();
-    try {
+void PRuntimeFactory::traverse(const Visitor& visit) {
+    pallix::operation([&] {
+        std::map<unsigned long long, NDeviceInfoFactory> copy;
+        m_mutex.lock();
+        initialize();
         copy = m_devices;
-    } catch (...) {
         m_mutex.unlock();
-        return;
-    }
-    m_mutex.unlock();
-    if (!visit) {
-        return;
-    }
-    for (const auto& [id, info] : copy) {
-        visit(id, info);
-    }
+        if (!visit) {
+            return;
+        }
+        for (const auto& [id, info] : copy) {
+            visit(id, info);
+        }
+    });
 }

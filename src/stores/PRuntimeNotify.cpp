@@ -2,6 +2,7 @@
 
 #include "NApplication.h"
 #include "NFileSystem.h"
+#include "Operation.h"
 #include "XmlFile.h"
 
 #include <utility>
@@ -58,23 +59,19 @@ PRuntimeNotify::PRuntimeNotify() noexcept {
     // The object is not shared yet, so loading takes no lock. The old layout is imported at
     // most once: its directory goes right after, and the imported notifications reach the
     // current file with the next change (whose write replaces whatever file is there).
-    try {
-        const NString oldDirectory = oldDirectoryPath();
-        if (NFileSystem::directory::exist(oldDirectory)) {
-            _read_old();
-            NFileSystem::directory::remove(oldDirectory, NFileSystem::directory::Filter());
-        } else {
-            _read();
-        }
-    } catch (...) {
-        // Out of memory while loading: the store starts with what it had read.
+    const NString oldDirectory = oldDirectoryPath();
+    if (NFileSystem::directory::exist(oldDirectory)) {
+        _read_old();
+        NFileSystem::directory::remove(oldDirectory, NFileSystem::directory::Filter());
+    } else {
+        _read();
     }
 }
 
 PRuntimeNotify::~PRuntimeNotify() = default;
 
-void PRuntimeNotify::_read_old() noexcept {
-    try {
+void PRuntimeNotify::_read_old() {
+    pallix::operation([&] {
         const NString oldDirectory = oldDirectoryPath();
         NFileSystem::directory::traverse(oldDirectory, [&](const NFileSystem::path& entry) {
             if (!NFileSystem::path::isFile(entry)) {
@@ -92,12 +89,11 @@ void PRuntimeNotify::_read_old() noexcept {
             }
             return true;
         });
-    } catch (...) {
-    }
+    });
 }
 
-void PRuntimeNotify::_read() noexcept {
-    try {
+void PRuntimeNotify::_read() {
+    pallix::operation([&] {
         pugi::xml_document document;
         if (!pallix::XmlFile::load(document, filePath())) {
             return;
@@ -106,12 +102,11 @@ void PRuntimeNotify::_read() noexcept {
         for (pugi::xml_node node = list.first_child(); node; node = node.next_sibling()) {
             keepFirst(m_items, itemFrom(node, "Timestamp"));
         }
-    } catch (...) {
-    }
+    });
 }
 
-void PRuntimeNotify::_write() const noexcept {
-    try {
+void PRuntimeNotify::_write() const {
+    pallix::operation([&] {
         pugi::xml_document document;
         pugi::xml_node list = document.append_child("Nevor").append_child("Notify");
         pallix::XmlFile::prependDeclaration(document, "utf-8", false);
@@ -132,69 +127,75 @@ void PRuntimeNotify::_write() const noexcept {
         }
         // A failed save leaves the previous file; the next successful one catches up.
         pallix::XmlFile::save(document, filePath());
-    } catch (...) {
-    }
+    });
 }
 
-void PRuntimeNotify::traverse(const Visitor& fn) const noexcept {
-    if (!fn) {
-        return;
-    }
-    std::vector<std::pair<unsigned long long, PRuntimeNotifyItem>> copy;
-    try {
+void PRuntimeNotify::traverse(const Visitor& fn) const {
+    pallix::operation([&] {
+        if (!fn) {
+            return;
+        }
+        std::vector<std::pair<unsigned long long, PRuntimeNotifyItem>> copy;
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            copy.assign(m_items.begin(), m_items.end());
+        }
+        for (const auto& entry : copy) {
+            fn(entry.first, entry.second);
+        }
+    });
+}
+
+bool PRuntimeNotify::exist(unsigned long long id) const {
+    return pallix::operation([&] {
         std::lock_guard<std::mutex> lock(m_mutex);
-        copy.assign(m_items.begin(), m_items.end());
-    } catch (...) {
-        return;
-    }
-    for (const auto& entry : copy) {
-        fn(entry.first, entry.second);
-    }
+        return m_items.count(id) != 0;
+    });
 }
 
-bool PRuntimeNotify::exist(unsigned long long id) const noexcept {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_items.count(id) != 0;
+PRuntimeNotifyItem PRuntimeNotify::find(unsigned long long id) const {
+    return pallix::operation([&] {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        const auto found = m_items.find(id);
+        return found == m_items.end() ? PRuntimeNotifyItem() : found->second;
+    });
 }
 
-PRuntimeNotifyItem PRuntimeNotify::find(unsigned long long id) const noexcept {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    const auto found = m_items.find(id);
-    return found == m_items.end() ? PRuntimeNotifyItem() : found->second;
-}
-
-void PRuntimeNotify::append(unsigned long long id, const PRuntimeNotifyItem& item) noexcept {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    try {
+void PRuntimeNotify::append(unsigned long long id, const PRuntimeNotifyItem& item) {
+    pallix::operation([&] {
+        std::lock_guard<std::mutex> lock(m_mutex);
         const auto found = m_items.find(id);
         if (found == m_items.end()) {
             m_items.emplace(id, item);
         } else {
             found->second = item;
         }
-    } catch (...) {
-        return;
-    }
-    _write();
+
+        _write();
+    });
 }
 
-bool PRuntimeNotify::update(unsigned long long id, const PRuntimeNotifyItem& item) noexcept {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    const auto found = m_items.find(id);
-    if (found == m_items.end()) {
-        return false;
-    }
-    found->second = item;
-    _write();
-    return true;
+bool PRuntimeNotify::update(unsigned long long id, const PRuntimeNotifyItem& item) {
+    return pallix::operation([&] {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        const auto found = m_items.find(id);
+        if (found == m_items.end()) {
+            return false;
+        }
+        found->second = item;
+        _write();
+        return true;
+    });
 }
 
-void PRuntimeNotify::remove(unsigned long long id) noexcept {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    const auto found = m_items.find(id);
-    if (found == m_items.end()) {
-        return;
-    }
-    found->second.setRemove(true);
-    _write();
+void PRuntimeNotify::remove(unsigned long long id) {
+    pallix::operation([&] {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        const auto found = m_items.find(id);
+        if (found == m_items.end()) {
+            return;
+        }
+        found->second.setRemove(true);
+        _write();
+    });
 }

@@ -25,28 +25,28 @@ public:
 
 protected:
     // Imports the old "/Notify" directory into the map.
-    virtual void _read_old() noexcept;
+    virtual void _read_old();
     // Reads "/notify.xml" into the map.
-    virtual void _read() noexcept;
+    virtual void _read();
     // Replaces "/notify.xml" with the whole map. Called with the lock held.
-    virtual void _write() const noexcept;
+    virtual void _write() const;
 
 public:
     // Calls fn for every notification in ascending order of id, removed ones included. The
     // callback runs on a copy taken under the lock and after the lock is released, so it may
     // call back into the store; it sees the notifications as they were when it began.
-    virtual void traverse(const Visitor& fn) const noexcept;
+    virtual void traverse(const Visitor& fn) const;
     // Whether a notification with this id is kept, whether marked removed or not.
-    virtual bool exist(unsigned long long id) const noexcept;
+    virtual bool exist(unsigned long long id) const;
     // A copy of the notification, or a default item (id 0, empty texts, flags false).
-    virtual PRuntimeNotifyItem find(unsigned long long id) const noexcept;
+    virtual PRuntimeNotifyItem find(unsigned long long id) const;
     // Inserts the item under id, or replaces the one stored there; then rewrites the file.
-    virtual void append(unsigned long long id, const PRuntimeNotifyItem& item) noexcept;
+    virtual void append(unsigned long long id, const PRuntimeNotifyItem& item);
     // Replaces the item stored under id and rewrites the file; false, with nothing written,
     // when there is none.
-    virtual bool update(unsigned long long id, const PRuntimeNotifyItem& item) noexcept;
+    virtual bool update(unsigned long long id, const PRuntimeNotifyItem& item);
     // Marks the notification deleted and rewrites the file; the entry itself is kept.
-    virtual void remove(unsigned long long id) noexcept;
+    virtual void remove(unsigned long long id);
 
     PRuntimeNotify(const PRuntimeNotify&) = delete;
     PRuntimeNotify& operator=(const PRuntimeNotify&) = delete;

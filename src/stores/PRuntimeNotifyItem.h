@@ -15,31 +15,31 @@ public:
     PRuntimeNotifyItem& operator=(const PRuntimeNotifyItem& other) noexcept;
     virtual ~PRuntimeNotifyItem();
 
-    virtual void setID(unsigned long long id) noexcept;
+    virtual void setID(unsigned long long id);
     // Marks a notification that the application made itself. Only ever held in memory: the
     // store does not write it, and items read from a file have it false.
-    virtual void setIsSystem(bool isSystem) noexcept;
-    virtual void setTitle(const NString& title) noexcept;
-    virtual void setURL(const NString& url) noexcept;
-    virtual void setIsPopup(bool isPopup) noexcept;
+    virtual void setIsSystem(bool isSystem);
+    virtual void setTitle(const NString& title);
+    virtual void setURL(const NString& url);
+    virtual void setIsPopup(bool isPopup);
     // A count kept as the caller gives it; the store attaches no unit to it.
-    virtual void setTimestamp(long long timestamp) noexcept;
-    virtual void setUserID(unsigned long long userID) noexcept;
-    virtual void setAlreadyRead(bool alreadyRead) noexcept;
-    virtual void setAlreadyPopup(bool alreadyPopup) noexcept;
+    virtual void setTimestamp(long long timestamp);
+    virtual void setUserID(unsigned long long userID);
+    virtual void setAlreadyRead(bool alreadyRead);
+    virtual void setAlreadyPopup(bool alreadyPopup);
     // A deleted notification stays in the store, marked.
-    virtual void setRemove(bool remove) noexcept;
+    virtual void setRemove(bool remove);
 
-    virtual unsigned long long id() const noexcept;
-    virtual bool isSystem() const noexcept;
-    virtual NString title() const noexcept;
-    virtual NString url() const noexcept;
-    virtual bool isPopup() const noexcept;
-    virtual long long timestamp() const noexcept;
-    virtual unsigned long long userID() const noexcept;
-    virtual bool isAlreadyRead() const noexcept;
-    virtual bool isAlreadyPopup() const noexcept;
-    virtual bool isRemove() const noexcept;
+    virtual unsigned long long id() const;
+    virtual bool isSystem() const;
+    virtual NString title() const;
+    virtual NString url() const;
+    virtual bool isPopup() const;
+    virtual long long timestamp() const;
+    virtual unsigned long long userID() const;
+    virtual bool isAlreadyRead() const;
+    virtual bool isAlreadyPopup() const;
+    virtual bool isRemove() const;
 
 private:
     unsigned long long m_id = 0;

@@ -2,6 +2,7 @@
 
 #include "NApplication.h"
 #include "NFileSystem.h"
+#include "Operation.h"
 #include "XmlFile.h"
 
 #include <utility>
@@ -19,8 +20,8 @@ PRuntimePortbind::PRuntimePortbind() noexcept = default;
 
 PRuntimePortbind::~PRuntimePortbind() = default;
 
-void PRuntimePortbind::_read() noexcept {
-    try {
+void PRuntimePortbind::_read() {
+    pallix::operation([&] {
         pugi::xml_document document;
         if (!pallix::XmlFile::load(document, filePath())) {
             return;
@@ -32,12 +33,11 @@ void PRuntimePortbind::_read() noexcept {
             m_bindings.emplace(NString(node.attribute("SOURCE").as_string()),
                                NString(node.attribute("TARGET").as_string()));
         }
-    } catch (...) {
-    }
+    });
 }
 
-void PRuntimePortbind::_write() noexcept {
-    try {
+void PRuntimePortbind::_write() {
+    pallix::operation([&] {
         pugi::xml_document document;
         pallix::XmlFile::prependDeclaration(document, "UTF-8", true);
         pugi::xml_node list = document.append_child("Rilo").append_child("BIND");
@@ -51,81 +51,83 @@ void PRuntimePortbind::_write() noexcept {
         // one; the table in memory keeps the change and the next write restores the file.
         NFileSystem::file::remove(path);
         pallix::XmlFile::save(document, path);
-    } catch (...) {
-    }
+    });
 }
 
-void PRuntimePortbind::_initialize() noexcept {
-    if (!m_initialized) {
-        _read();
-        m_initialized = true;
-    }
+void PRuntimePortbind::_initialize() {
+    pallix::operation([&] {
+        if (!m_initialized) {
+            _read();
+            m_initialized = true;
+        }
+    });
 }
 
-void PRuntimePortbind::append(const NString& source, const NString& target) noexcept {
-    if (source.empty() || target.empty()) {
-        return;
-    }
-    std::lock_guard<std::mutex> lock(m_mutex);
-    _initialize();
-    m_bindings.erase(source);
-    try {
-        m_bindings.emplace(source, target);
-    } catch (...) {
-        // The old binding is gone either way: the file is brought in line with the table.
-    }
-    _write();
-}
-
-void PRuntimePortbind::remove(const NString& source) noexcept {
-    if (source.empty()) {
-        return;
-    }
-    std::lock_guard<std::mutex> lock(m_mutex);
-    _initialize();
-    m_bindings.erase(source);
-    _write();
-}
-
-NString PRuntimePortbind::find(const NString& source) noexcept {
-    if (source.empty()) {
-        return NString();
-    }
-    std::lock_guard<std::mutex> lock(m_mutex);
-    _initialize();
-    const auto found = m_bindings.find(source);
-    if (found == m_bindings.end()) {
-        return NString();
-    }
-    try {
-        return found->second;
-    } catch (...) {
-        return NString();
-    }
-}
-
-void PRuntimePortbind::traverse(const Visitor& fn) noexcept {
-    std::vector<std::pair<NString, NString>> copy;
-    try {
+void PRuntimePortbind::append(const NString& source, const NString& target) {
+    pallix::operation([&] {
+        if (source.empty() || target.empty()) {
+            return;
+        }
         std::lock_guard<std::mutex> lock(m_mutex);
         _initialize();
-        copy.assign(m_bindings.begin(), m_bindings.end());
-    } catch (...) {
-        return;
-    }
-    if (!fn) {
-        return;
-    }
-    for (const auto& binding : copy) {
-        fn(binding.first, binding.second);
-    }
+        m_bindings.erase(source);
+        m_bindings.emplace(source, target);
+        _write();
+    });
 }
 
-bool PRuntimePortbind::exist(const NString& source) noexcept {
-    if (source.empty()) {
-        return false;
-    }
-    std::lock_guard<std::mutex> lock(m_mutex);
-    _initialize();
-    return m_bindings.count(source) != 0;
+void PRuntimePortbind::remove(const NString& source) {
+    pallix::operation([&] {
+        if (source.empty()) {
+            return;
+        }
+        std::lock_guard<std::mutex> lock(m_mutex);
+        _initialize();
+        m_bindings.erase(source);
+        _write();
+    });
+}
+
+NString PRuntimePortbind::find(const NString& source) {
+    return pallix::operation([&] {
+        if (source.empty()) {
+            return NString();
+        }
+        std::lock_guard<std::mutex> lock(m_mutex);
+        _initialize();
+        const auto found = m_bindings.find(source);
+        if (found == m_bindings.end()) {
+            return NString();
+        }
+
+        return found->second;
+    });
+}
+
+void PRuntimePortbind::traverse(const Visitor& fn) {
+    pallix::operation([&] {
+        std::vector<std::pair<NString, NString>> copy;
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            _initialize();
+            copy.assign(m_bindings.begin(), m_bindings.end());
+        }
+        if (!fn) {
+            return;
+        }
+        for (const auto& binding : copy) {
+            fn(binding.first, binding.second);
+        }
+    });
+}
+
+bool PRuntimePortbind::exist(const NString& source) {
+    return pallix::operation([&] {
+        if (source.empty()) {
+            return false;
+        }
+        std::lock_guard<std::mutex> lock(m_mutex);
+        _initialize();
+        return m_bindings.count(source) != 0;
+    });
 }

@@ -25,26 +25,26 @@ public:
 
 protected:
     // Reads "/PortBind.xml" into the table.
-    virtual void _read() noexcept;
+    virtual void _read();
     // Deletes "/PortBind.xml" and writes the whole table in its place.
-    virtual void _write() noexcept;
+    virtual void _write();
     // Reads the file the first time it is called, and never again.
-    virtual void _initialize() noexcept;
+    virtual void _initialize();
 
 public:
     // Binds source to target, replacing an earlier binding of source, and rewrites the file.
     // An empty source or target is refused: nothing changes and nothing is written.
-    virtual void append(const NString& source, const NString& target) noexcept;
+    virtual void append(const NString& source, const NString& target);
     // Drops the binding of source and rewrites the file, even when there was none. An empty
     // source is refused.
-    virtual void remove(const NString& source) noexcept;
+    virtual void remove(const NString& source);
     // The target bound to source; empty when there is none or source is empty.
-    virtual NString find(const NString& source) noexcept;
+    virtual NString find(const NString& source);
     // Calls fn(source, target) for every binding in the table's order. The callback runs on a
     // copy after the lock is released, so it may call back into the store.
-    virtual void traverse(const Visitor& fn) noexcept;
+    virtual void traverse(const Visitor& fn);
     // Whether source has a binding; false for an empty source.
-    virtual bool exist(const NString& source) noexcept;
+    virtual bool exist(const NString& source);
 
     PRuntimePortbind(const PRuntimePortbind&) = delete;
     PRuntimePortbind& operator=(const PRuntimePortbind&) = delete;

@@ -6,18 +6,18 @@ PRuntimeRestore::PRuntimeRestore() noexcept = default;
 
 PRuntimeRestore::~PRuntimeRestore() = default;
 
-PRuntimeRestoreAutoActivate* PRuntimeRestore::autoActivate() noexcept {
+PRuntimeRestoreAutoActivate* PRuntimeRestore::autoActivate() {
     return &m_autoActivate;
 }
 
-PRuntimeRestoreCustomFirmware* PRuntimeRestore::customFirmware() noexcept {
+PRuntimeRestoreCustomFirmware* PRuntimeRestore::customFirmware() {
     return &m_customFirmware;
 }
 
-PRuntimeRestoreOtherFirmware* PRuntimeRestore::otherFirmware() noexcept {
+PRuntimeRestoreOtherFirmware* PRuntimeRestore::otherFirmware() {
     return &m_otherFirmware;
 }
 
-PRuntimeRestoreError* PRuntimeRestore::restoreError() noexcept {
+PRuntimeRestoreError* PRuntimeRestore::restoreError() {
     return &m_restoreError;
 }

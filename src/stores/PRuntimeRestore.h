@@ -17,10 +17,10 @@ public:
     PRuntimeRestore() noexcept;
     virtual ~PRuntimeRestore();
 
-    virtual PRuntimeRestoreAutoActivate* autoActivate() noexcept;
-    virtual PRuntimeRestoreCustomFirmware* customFirmware() noexcept;
-    virtual PRuntimeRestoreOtherFirmware* otherFirmware() noexcept;
-    virtual PRuntimeRestoreError* restoreError() noexcept;
+    virtual PRuntimeRestoreAutoActivate* autoActivate();
+    virtual PRuntimeRestoreCustomFirmware* customFirmware();
+    virtual PRuntimeRestoreOtherFirmware* otherFirmware();
+    virtual PRuntimeRestoreError* restoreError();
 
     PRuntimeRestore(const PRuntimeRestore&) = delete;
     PRuntimeRestore& operator=(const PRuntimeRestore&) = delete;

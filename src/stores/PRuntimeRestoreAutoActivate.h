@@ -14,14 +14,14 @@ public:
     PRuntimeRestoreAutoActivate() noexcept;
     virtual ~PRuntimeRestoreAutoActivate();
 
-    virtual bool exist(unsigned long long id) const noexcept;
+    virtual bool exist(unsigned long long id) const;
     // Replaces any earlier choice for the device. The removal and the insertion are two lock
     // sections, so another thread may run in between.
-    virtual void append(unsigned long long id, bool activate) noexcept;
-    virtual void remove(unsigned long long id) noexcept;
+    virtual void append(unsigned long long id, bool activate);
+    virtual void remove(unsigned long long id);
     // Stores the choice in `activate` and returns true when the device has one; otherwise
     // leaves `activate` as it was.
-    virtual bool find(unsigned long long id, bool& activate) const noexcept;
+    virtual bool find(unsigned long long id, bool& activate) const;
 
     PRuntimeRestoreAutoActivate(const PRuntimeRestoreAutoActivate&) = delete;
     PRuntimeRestoreAutoActivate& operator=(const PRuntimeRestoreAutoActivate&) = delete;

@@ -2,6 +2,7 @@
 
 #include "NApplication.h"
 #include "NFileSystem.h"
+#include "Operation.h"
 #include "XmlFile.h"
 
 namespace {
@@ -20,10 +21,10 @@ PRuntimeRestoreCustomFirmware::PRuntimeRestoreCustomFirmware() noexcept
 
 PRuntimeRestoreCustomFirmware::~PRuntimeRestoreCustomFirmware() = default;
 
-void PRuntimeRestoreCustomFirmware::_read() noexcept {
-    NMutexAuto guard(m_mutex);
-    m_matches.clear();
-    try {
+void PRuntimeRestoreCustomFirmware::_read() {
+    pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
+        m_matches.clear();
         pugi::xml_document document;
         if (!pallix::XmlFile::load(document, customFirmwarePath())) {
             return;
@@ -40,14 +41,12 @@ void PRuntimeRestoreCustomFirmware::_read() noexcept {
                 m_matches.emplace(url, local);
             }
         }
-    } catch (...) {
-        // Out of memory while reading: keep what was read so far.
-    }
+    });
 }
 
-void PRuntimeRestoreCustomFirmware::_write() noexcept {
-    NMutexAuto guard(m_mutex);
-    try {
+void PRuntimeRestoreCustomFirmware::_write() {
+    pallix::operation([&] {
+        NMutexAuto guard(m_mutex);
         pugi::xml_document document;
         pallix::XmlFile::prependDeclaration(document, "UTF-8", true);
         pugi::xml_node container = document.append_child("Rilo").append_child("MATCH");
@@ -61,74 +60,68 @@ void PRuntimeRestoreCustomFirmware::_write() noexcept {
         const NString path = customFirmwarePath();
         NFileSystem::file::remove(path);
         pallix::XmlFile::save(document, path);
-    } catch (...) {
-        // Out of memory while building the document: the file is left as it was.
-    }
+    });
 }
 
-void PRuntimeRestoreCustomFirmware::append(const NString& url, const NString& local) noexcept {
-    _read();
-    NMutexAuto guard(m_mutex);
-    try {
+void PRuntimeRestoreCustomFirmware::append(const NString& url, const NString& local) {
+    pallix::operation([&] {
+        _read();
+        NMutexAuto guard(m_mutex);
         m_matches.insert_or_assign(url, local);
-    } catch (...) {
-        return;
-    }
-    _write();
+        _write();
+    });
 }
 
-void PRuntimeRestoreCustomFirmware::remove(const NString& url) noexcept {
-    _read();
-    NMutexAuto guard(m_mutex);
-    m_matches.erase(url);
-    _write();
+void PRuntimeRestoreCustomFirmware::remove(const NString& url) {
+    pallix::operation([&] {
+        _read();
+        NMutexAuto guard(m_mutex);
+        m_matches.erase(url);
+        _write();
+    });
 }
 
-bool PRuntimeRestoreCustomFirmware::find(const NString& url, const Visitor& visit) noexcept {
-    _read();
-    NMutexAuto guard(m_mutex);
-    NString local;
-    try {
+bool PRuntimeRestoreCustomFirmware::find(const NString& url, const Visitor& visit) {
+    return pallix::operation([&] {
+        _read();
+        NMutexAuto guard(m_mutex);
+        NString local;
         const auto found = m_matches.find(url);
         if (found == m_matches.end()) {
             return false;
         }
         // A copy: the callback may use the store, whose next operation rebuilds the table.
         local = found->second;
-    } catch (...) {
-        return false;
-    }
-    if (visit) {
-        visit(local);
-    }
-    return true;
+        if (visit) {
+            visit(local);
+        }
+        return true;
+    });
 }
 
-bool PRuntimeRestoreCustomFirmware::find(const NString& url, NString& local) noexcept {
-    _read();
-    NMutexAuto guard(m_mutex);
-    const auto found = m_matches.find(url);
-    if (found == m_matches.end()) {
-        return false;
-    }
-    try {
+bool PRuntimeRestoreCustomFirmware::find(const NString& url, NString& local) {
+    return pallix::operation([&] {
+        _read();
+        NMutexAuto guard(m_mutex);
+        const auto found = m_matches.find(url);
+        if (found == m_matches.end()) {
+            return false;
+        }
+
         local = found->second;
-    } catch (...) {
-        return false;
-    }
-    return true;
+        return true;
+    });
 }
 
-NString PRuntimeRestoreCustomFirmware::find(const NString& url) noexcept {
-    _read();
-    NMutexAuto guard(m_mutex);
-    const auto found = m_matches.find(url);
-    if (found == m_matches.end()) {
-        return NString();
-    }
-    try {
+NString PRuntimeRestoreCustomFirmware::find(const NString& url) {
+    return pallix::operation([&] {
+        _read();
+        NMutexAuto guard(m_mutex);
+        const auto found = m_matches.find(url);
+        if (found == m_matches.end()) {
+            return NString();
+        }
+
         return found->second;
-    } catch (...) {
-        return NString();
-    }
+    });
 }

@@ -23,25 +23,25 @@ public:
 
 protected:
     // Rebuilds the table from the file, keeping the entries whose local file exists.
-    virtual void _read() noexcept;
+    virtual void _read();
     // Replaces the file with the table.
-    virtual void _write() noexcept;
+    virtual void _write();
 
 public:
     // Matches `url` to `local` (replacing an earlier match) and rewrites the file. Empty texts
     // are kept as they are.
-    virtual void append(const NString& url, const NString& local) noexcept;
+    virtual void append(const NString& url, const NString& local);
     // Forgets the match of `url`; the file is rewritten either way.
-    virtual void remove(const NString& url) noexcept;
+    virtual void remove(const NString& url);
     // Calls `visit` with the local path of `url`, if `url` is matched and `visit` is set, and
     // returns whether it is matched. `visit` runs under the store's lock, which is recursive:
     // it may use the store again.
-    virtual bool find(const NString& url, const Visitor& visit) noexcept;
+    virtual bool find(const NString& url, const Visitor& visit);
     // Assigns the local path of `url` to `local` and returns true when `url` is matched;
     // otherwise leaves `local` as it was.
-    virtual bool find(const NString& url, NString& local) noexcept;
+    virtual bool find(const NString& url, NString& local);
     // The local path of `url`, or an empty text when it is not matched.
-    virtual NString find(const NString& url) noexcept;
+    virtual NString find(const NString& url);
 
     PRuntimeRestoreCustomFirmware(const PRuntimeRestoreCustomFirmware&) = delete;
     PRuntimeRestoreCustomFirmware& operator=(const PRuntimeRestoreCustomFirmware&) = delete;

@@ -19,16 +19,16 @@ public:
     virtual ~PRuntimeRestoreOtherFirmware();
 
     // Adds the directory at the end; duplicates and empty texts are kept.
-    virtual void append(const NString& directory) noexcept;
+    virtual void append(const NString& directory);
     // Calls `visit`, when set, with the path that find(name) gives and returns true when there
     // is one.
-    virtual bool find(const NString& name, const Visitor& visit) noexcept;
+    virtual bool find(const NString& name, const Visitor& visit);
     // Assigns the path that find(name) gives to `path` and returns true when there is one;
     // otherwise leaves `path` as it was.
-    virtual bool find(const NString& name, NString& path) noexcept;
+    virtual bool find(const NString& name, NString& path);
     // directory + "/" + name for the first directory, in insertion order, in which a file of
     // that name exists; an empty text when there is none.
-    virtual NString find(const NString& name) noexcept;
+    virtual NString find(const NString& name);
 
     PRuntimeRestoreOtherFirmware(const PRuntimeRestoreOtherFirmware&) = delete;
     PRuntimeRestoreOtherFirmware& operator=(const PRuntimeRestoreOtherFirmware&) = delete;

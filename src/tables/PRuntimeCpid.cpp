@@ -1,6 +1,7 @@
 #include "PRuntimeCpid.h"
 
 #include "NFileSystem.h"
+#include "Operation.h"
 #include "XmlFile.h"
 
 #include <new>
@@ -50,9 +51,9 @@ PRuntimeCpid::PRuntimeCpid() noexcept = default;
 
 PRuntimeCpid::~PRuntimeCpid() = default;
 
-bool PRuntimeCpid::format(const NString& path) noexcept {
-    m_rows.clear();
-    try {
+bool PRuntimeCpid::format(const NString& path) {
+    return pallix::operation([&] {
+        m_rows.clear();
         if (!NFileSystem::path::exist(NFileSystem::path(path))) {
             return false;
         }
@@ -74,40 +75,31 @@ bool PRuntimeCpid::format(const NString& path) noexcept {
             append(row);
         }
         return true;
-    } catch (const std::bad_alloc&) {
-        m_rows.clear();
-        return false;
-    }
+    });
 }
 
-void PRuntimeCpid::append(const PRuntimeInfoCpid& row) noexcept {
-    try {
-        m_rows.push_back(row);
-    } catch (const std::bad_alloc&) {
-    }
+void PRuntimeCpid::append(const PRuntimeInfoCpid& row) {
+    pallix::operation([&] { m_rows.push_back(row); });
 }
 
-bool PRuntimeCpid::find(
-    const NDeviceInfoRecovery& device,
-    const std::function<void(const PRuntimeInfoCpid&)>& callback) const noexcept {
-    if (!callback) {
-        return false;
-    }
-    const PRuntimeInfoCpid* row = nullptr;
-    try {
+bool PRuntimeCpid::find(const NDeviceInfoRecovery& device,
+                        const std::function<void(const PRuntimeInfoCpid&)>& callback) const {
+    return pallix::operation([&] {
+        if (!callback) {
+            return false;
+        }
+        const PRuntimeInfoCpid* row = nullptr;
         row = locate(m_rows, device);
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
-    if (row == nullptr) {
-        return false;
-    }
-    callback(*row);
-    return true;
+        if (row == nullptr) {
+            return false;
+        }
+        callback(*row);
+        return true;
+    });
 }
 
-bool PRuntimeCpid::find(const NDeviceInfoRecovery& device, PRuntimeInfoCpid& out) const noexcept {
-    try {
+bool PRuntimeCpid::find(const NDeviceInfoRecovery& device, PRuntimeInfoCpid& out) const {
+    return pallix::operation([&] {
         const PRuntimeInfoCpid* row = locate(m_rows, device);
         if (row == nullptr) {
             return false;
@@ -116,7 +108,5 @@ bool PRuntimeCpid::find(const NDeviceInfoRecovery& device, PRuntimeInfoCpid& out
         PRuntimeInfoCpid copy(*row);
         out = std::move(copy);
         return true;
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+    });
 }

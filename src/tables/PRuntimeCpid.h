@@ -21,15 +21,15 @@ public:
     // Replaces the table with the rows of the file (root "DEVICE", one row per child). The
     // table is emptied first, so a missing or unreadable file leaves it empty and gives false;
     // a file without the root gives true and an empty table.
-    virtual bool format(const NString& path) noexcept;
+    virtual bool format(const NString& path);
     // Appends a copy of the row at the end of the table.
-    virtual void append(const PRuntimeInfoCpid& row) noexcept;
+    virtual void append(const PRuntimeInfoCpid& row);
     // Finds the device's row, falling back to the chip's board "00" row, and hands it to the
     // callback once. False, without a call, when nothing matched or the callback is empty.
     virtual bool find(const NDeviceInfoRecovery& device,
-                      const std::function<void(const PRuntimeInfoCpid&)>& callback) const noexcept;
+                      const std::function<void(const PRuntimeInfoCpid&)>& callback) const;
     // The same search; the row is copied into `out`, which is left untouched when false.
-    virtual bool find(const NDeviceInfoRecovery& device, PRuntimeInfoCpid& out) const noexcept;
+    virtual bool find(const NDeviceInfoRecovery& device, PRuntimeInfoCpid& out) const;
 
     PRuntimeCpid(const PRuntimeCpid&) = delete;
     PRuntimeCpid& operator=(const PRuntimeCpid&) = delete;

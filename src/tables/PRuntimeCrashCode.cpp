@@ -1,6 +1,7 @@
 #include "PRuntimeCrashCode.h"
 
 #include "NFileSystem.h"
+#include "Operation.h"
 #include "XmlFile.h"
 
 #include <new>
@@ -9,9 +10,9 @@ PRuntimeCrashCode::PRuntimeCrashCode() noexcept = default;
 
 PRuntimeCrashCode::~PRuntimeCrashCode() = default;
 
-bool PRuntimeCrashCode::format(const NString& path) noexcept {
-    m_rows.clear();
-    try {
+bool PRuntimeCrashCode::format(const NString& path) {
+    return pallix::operation([&] {
+        m_rows.clear();
         if (!NFileSystem::path::exist(NFileSystem::path(path))) {
             return false;
         }
@@ -32,36 +33,33 @@ bool PRuntimeCrashCode::format(const NString& path) noexcept {
             append(row);
         }
         return true;
-    } catch (const std::bad_alloc&) {
-        m_rows.clear();
-        return false;
-    }
+    });
 }
 
-void PRuntimeCrashCode::append(const PRuntimeInfoCrash& row) noexcept {
-    try {
-        m_rows.push_back(row);
-    } catch (const std::bad_alloc&) {
-    }
+void PRuntimeCrashCode::append(const PRuntimeInfoCrash& row) {
+    pallix::operation([&] { m_rows.push_back(row); });
 }
 
 void PRuntimeCrashCode::traverse(
-    const std::function<void(const PRuntimeInfoCrash&)>& callback) const noexcept {
-    for (const PRuntimeInfoCrash& row : m_rows) {
-        callback(row);
-    }
+    const std::function<void(const PRuntimeInfoCrash&)>& callback) const {
+    pallix::operation([&] {
+        for (const PRuntimeInfoCrash& row : m_rows) {
+            callback(row);
+        }
+    });
 }
 
-void PRuntimeCrashCode::find(
-    const NString& key,
-    const std::function<void(const PRuntimeInfoCrash&)>& callback) const noexcept {
-    if (!callback) {
-        return;
-    }
-    for (const PRuntimeInfoCrash& row : m_rows) {
-        if (row.isMatch(key)) {
-            callback(row);
+void PRuntimeCrashCode::find(const NString& key,
+                             const std::function<void(const PRuntimeInfoCrash&)>& callback) const {
+    pallix::operation([&] {
+        if (!callback) {
             return;
         }
-    }
+        for (const PRuntimeInfoCrash& row : m_rows) {
+            if (row.isMatch(key)) {
+                callback(row);
+                return;
+            }
+        }
+    });
 }

@@ -20,17 +20,16 @@ public:
     // Replaces the table with the rows of the file (root "CRASH", one row per child). The
     // table is emptied first, so a missing or unreadable file leaves it empty and gives false;
     // a file without the root gives true and an empty table.
-    virtual bool format(const NString& path) noexcept;
+    virtual bool format(const NString& path);
     // Appends a copy of the row at the end of the table.
-    virtual void append(const PRuntimeInfoCrash& row) noexcept;
+    virtual void append(const PRuntimeInfoCrash& row);
     // Calls the callback for every row in table order. The callback must not be empty: the
     // standard wrapper's bad-call exception cannot leave this operation and ends the process.
-    virtual void
-    traverse(const std::function<void(const PRuntimeInfoCrash&)>& callback) const noexcept;
+    virtual void traverse(const std::function<void(const PRuntimeInfoCrash&)>& callback) const;
     // Calls the callback once with the first row that matches the key (see
     // PRuntimeInfoCrash::isMatch); nothing happens without a match or with an empty callback.
     virtual void find(const NString& key,
-                      const std::function<void(const PRuntimeInfoCrash&)>& callback) const noexcept;
+                      const std::function<void(const PRuntimeInfoCrash&)>& callback) const;
 
     PRuntimeCrashCode(const PRuntimeCrashCode&) = delete;
     PRuntimeCrashCode& operator=(const PRuntimeCrashCode&) = delete;

@@ -21,13 +21,13 @@ public:
     virtual ~PRuntimeInfoCpid();
 
     // Exact, case-sensitive equality of both texts: "0c" and "C" never match a board "0C".
-    virtual bool isMatch(const NString& cpid, const NString& bdid) const noexcept;
-    virtual const NString& cpid() const noexcept;
-    virtual const NString& bdid() const noexcept;
-    virtual const NString& mode() const noexcept;
-    virtual const NString& network() const noexcept;
-    virtual const NString& product() const noexcept;
-    virtual bool support() const noexcept;
+    virtual bool isMatch(const NString& cpid, const NString& bdid) const;
+    virtual const NString& cpid() const;
+    virtual const NString& bdid() const;
+    virtual const NString& mode() const;
+    virtual const NString& network() const;
+    virtual const NString& product() const;
+    virtual bool support() const;
 
 private:
     NString m_cpid;

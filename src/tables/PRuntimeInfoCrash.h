@@ -21,10 +21,10 @@ public:
     // Containment in either direction, ignoring case: a long failure message matches the row
     // whose key is a fragment of it, and a short query matches a key that contains it. An
     // empty query matches nothing; an empty key is part of every non-empty query.
-    virtual bool isMatch(const NString& key) const noexcept;
-    virtual const NString& key() const noexcept;
-    virtual const NString& reason() const noexcept;
-    virtual const NString& solution() const noexcept;
+    virtual bool isMatch(const NString& key) const;
+    virtual const NString& key() const;
+    virtual const NString& reason() const;
+    virtual const NString& solution() const;
 
 private:
     NString m_key;

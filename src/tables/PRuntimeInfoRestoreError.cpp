@@ -1,21 +1,10 @@
 #include "PRuntimeInfoRestoreError.h"
 
-#include <new>
-#include <utility>
-
 PRuntimeInfoRestoreError::PRuntimeInfoRestoreError() noexcept = default;
 
 PRuntimeInfoRestoreError::PRuntimeInfoRestoreError(long long code, const NString& describe,
                                                    const NString& solution) noexcept
-    : m_code(code) {
-    try {
-        // Built aside and moved in, so that a failed copy leaves no half-filled text pair.
-        NString copies[] = {describe, solution};
-        m_describe = std::move(copies[0]);
-        m_solution = std::move(copies[1]);
-    } catch (const std::bad_alloc&) {
-    }
-}
+    : m_code(code), m_describe(describe), m_solution(solution) {}
 
 PRuntimeInfoRestoreError::PRuntimeInfoRestoreError(const PRuntimeInfoRestoreError&) = default;
 
@@ -29,18 +18,18 @@ PRuntimeInfoRestoreError::operator=(PRuntimeInfoRestoreError&&) noexcept = defau
 
 PRuntimeInfoRestoreError::~PRuntimeInfoRestoreError() = default;
 
-bool PRuntimeInfoRestoreError::isMatch(long long code) const noexcept {
+bool PRuntimeInfoRestoreError::isMatch(long long code) const {
     return m_code == code;
 }
 
-long long PRuntimeInfoRestoreError::code() const noexcept {
+long long PRuntimeInfoRestoreError::code() const {
     return m_code;
 }
 
-const NString& PRuntimeInfoRestoreError::describe() const noexcept {
+const NString& PRuntimeInfoRestoreError::describe() const {
     return m_describe;
 }
 
-const NString& PRuntimeInfoRestoreError::solution() const noexcept {
+const NString& PRuntimeInfoRestoreError::solution() const {
     return m_solution;
 }

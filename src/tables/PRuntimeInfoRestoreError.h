@@ -19,10 +19,10 @@ public:
     PRuntimeInfoRestoreError& operator=(PRuntimeInfoRestoreError&&) noexcept;
     virtual ~PRuntimeInfoRestoreError();
 
-    virtual bool isMatch(long long code) const noexcept;
-    virtual long long code() const noexcept;
-    virtual const NString& describe() const noexcept;
-    virtual const NString& solution() const noexcept;
+    virtual bool isMatch(long long code) const;
+    virtual long long code() const;
+    virtual const NString& describe() const;
+    virtual const NString& solution() const;
 
 private:
     long long m_code = 0;

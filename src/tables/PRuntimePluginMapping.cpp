@@ -1,6 +1,7 @@
 #include "PRuntimePluginMapping.h"
 
 #include "NFileSystem.h"
+#include "Operation.h"
 #include "XmlFile.h"
 
 #include <new>
@@ -10,9 +11,9 @@ PRuntimePluginMapping::PRuntimePluginMapping() noexcept = default;
 
 PRuntimePluginMapping::~PRuntimePluginMapping() = default;
 
-bool PRuntimePluginMapping::format(const NString& path) noexcept {
-    m_mappings.clear();
-    try {
+bool PRuntimePluginMapping::format(const NString& path) {
+    return pallix::operation([&] {
+        m_mappings.clear();
         if (!NFileSystem::path::exist(NFileSystem::path(path))) {
             return false;
         }
@@ -34,39 +35,37 @@ bool PRuntimePluginMapping::format(const NString& path) noexcept {
             m_mappings.emplace(NString(version), NString(mapping));
         }
         return true;
-    } catch (const std::bad_alloc&) {
-        m_mappings.clear();
-        return false;
-    }
+    });
 }
 
-bool PRuntimePluginMapping::find(
-    const NString& version, const std::function<void(const NString&)>& callback) const noexcept {
-    if (version.empty() || !callback) {
-        return false;
-    }
-    const auto found = m_mappings.find(version);
-    if (found == m_mappings.end()) {
-        return false;
-    }
-    callback(found->second);
-    return true;
+bool PRuntimePluginMapping::find(const NString& version,
+                                 const std::function<void(const NString&)>& callback) const {
+    return pallix::operation([&] {
+        if (version.empty() || !callback) {
+            return false;
+        }
+        const auto found = m_mappings.find(version);
+        if (found == m_mappings.end()) {
+            return false;
+        }
+        callback(found->second);
+        return true;
+    });
 }
 
-bool PRuntimePluginMapping::find(const NString& version, NString& out) const noexcept {
-    if (version.empty()) {
-        return false;
-    }
-    const auto found = m_mappings.find(version);
-    if (found == m_mappings.end()) {
-        return false;
-    }
-    try {
+bool PRuntimePluginMapping::find(const NString& version, NString& out) const {
+    return pallix::operation([&] {
+        if (version.empty()) {
+            return false;
+        }
+        const auto found = m_mappings.find(version);
+        if (found == m_mappings.end()) {
+            return false;
+        }
+
         // Copied aside first: a failed copy must leave `out` as it was.
         NString copy(found->second);
         out = std::move(copy);
         return true;
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+    });
 }

@@ -20,14 +20,14 @@ public:
     // that has both a "Version" and a "Mapping"). The table is emptied first, so a missing or
     // unreadable file leaves it empty and gives false; a file without the root gives true and
     // an empty table.
-    virtual bool format(const NString& path) noexcept;
+    virtual bool format(const NString& path);
     // Calls the callback once with the mapped text of the version. False, without a call, for
     // an empty version, an empty callback or an unknown version.
     virtual bool find(const NString& version,
-                      const std::function<void(const NString&)>& callback) const noexcept;
+                      const std::function<void(const NString&)>& callback) const;
     // The same lookup; the mapped text is copied into `out`, which is left untouched when
     // false.
-    virtual bool find(const NString& version, NString& out) const noexcept;
+    virtual bool find(const NString& version, NString& out) const;
 
     PRuntimePluginMapping(const PRuntimePluginMapping&) = delete;
     PRuntimePluginMapping& operator=(const PRuntimePluginMapping&) = delete;

@@ -1,6 +1,7 @@
 #include "PRuntimeRestoreError.h"
 
 #include "NFileSystem.h"
+#include "Operation.h"
 #include "XmlFile.h"
 
 #include <new>
@@ -9,9 +10,9 @@ PRuntimeRestoreError::PRuntimeRestoreError() noexcept = default;
 
 PRuntimeRestoreError::~PRuntimeRestoreError() = default;
 
-bool PRuntimeRestoreError::format(const NString& path) noexcept {
-    m_rows.clear();
-    try {
+bool PRuntimeRestoreError::format(const NString& path) {
+    return pallix::operation([&] {
+        m_rows.clear();
         if (!NFileSystem::path::exist(NFileSystem::path(path))) {
             return false;
         }
@@ -32,27 +33,22 @@ bool PRuntimeRestoreError::format(const NString& path) noexcept {
             append(row);
         }
         return true;
-    } catch (const std::bad_alloc&) {
-        m_rows.clear();
-        return false;
-    }
+    });
 }
 
-void PRuntimeRestoreError::append(const PRuntimeInfoRestoreError& row) noexcept {
-    try {
-        m_rows.emplace(row.code(), row);
-    } catch (const std::bad_alloc&) {
-    }
+void PRuntimeRestoreError::append(const PRuntimeInfoRestoreError& row) {
+    pallix::operation([&] { m_rows.emplace(row.code(), row); });
 }
 
 void PRuntimeRestoreError::find(
-    long long code,
-    const std::function<void(const PRuntimeInfoRestoreError&)>& callback) const noexcept {
-    if (!callback) {
-        return;
-    }
-    const auto found = m_rows.find(code);
-    if (found != m_rows.end()) {
-        callback(found->second);
-    }
+    long long code, const std::function<void(const PRuntimeInfoRestoreError&)>& callback) const {
+    pallix::operation([&] {
+        if (!callback) {
+            return;
+        }
+        const auto found = m_rows.find(code);
+        if (found != m_rows.end()) {
+            callback(found->second);
+        }
+    });
 }

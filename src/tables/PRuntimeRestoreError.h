@@ -22,14 +22,13 @@ public:
     // that is missing or no number counts as 0). The table is emptied first, so a missing or
     // unreadable file leaves it empty and gives false; a file without the root gives true and
     // an empty table.
-    virtual bool format(const NString& path) noexcept;
+    virtual bool format(const NString& path);
     // Adds a copy of the row under its code; a code already present keeps its row.
-    virtual void append(const PRuntimeInfoRestoreError& row) noexcept;
+    virtual void append(const PRuntimeInfoRestoreError& row);
     // Calls the callback once with the row of the code; nothing happens for an unknown code or
     // with an empty callback.
-    virtual void
-    find(long long code,
-         const std::function<void(const PRuntimeInfoRestoreError&)>& callback) const noexcept;
+    virtual void find(long long code,
+                      const std::function<void(const PRuntimeInfoRestoreError&)>& callback) const;
 
     PRuntimeRestoreError(const PRuntimeRestoreError&) = delete;
     PRuntimeRestoreError& operator=(const PRuntimeRestoreError&) = delete;

@@ -1,5 +1,6 @@
 #include "PRuntimeAnimation.h"
 
+#include "Operation.h"
 #include "PRuntime.h"
 #include "PRuntimeConfig.h"
 
@@ -32,34 +33,31 @@ PRuntimeAnimation::~PRuntimeAnimation() = default;
 
 void PRuntimeAnimation::run(QObject* target, const QByteArray& property, int duration,
                             const QVariant& start, const QVariant& end,
-                            const QEasingCurve& easing) noexcept {
-    // This class's own create, not an override: run's behaviour does not change with a
-    // subclass that prepares animations differently.
-    QPropertyAnimation* animation =
-        PRuntimeAnimation::create(target, property, duration, start, end, easing);
-    if (animation == nullptr) {
-        return;
-    }
-    try {
+                            const QEasingCurve& easing) {
+    pallix::operation([&] {
+        // This class's own create, not an override: run's behaviour does not change with a
+        // subclass that prepares animations differently.
+        QPropertyAnimation* animation =
+            PRuntimeAnimation::create(target, property, duration, start, end, easing);
+        if (animation == nullptr) {
+            return;
+        }
         animation->start(QAbstractAnimation::KeepWhenStopped);
-    } catch (...) {
-    }
+    });
 }
 
 QPropertyAnimation* PRuntimeAnimation::create(QObject* target, const QByteArray& property,
                                               int duration, const QVariant& start,
-                                              const QVariant& end,
-                                              const QEasingCurve& easing) noexcept {
-    if (target == nullptr) {
-        return nullptr;
-    }
-    QPropertyAnimation* animation = nullptr;
-    try {
+                                              const QVariant& end, const QEasingCurve& easing) {
+    return pallix::operation([&]() -> QPropertyAnimation* {
+        if (target == nullptr) {
+            return nullptr;
+        }
         if (!animationsOn()) {
             target->setProperty(property.constData(), end);
             return nullptr;
         }
-        animation = new (std::nothrow) QPropertyAnimation(target, property, nullptr);
+        auto* animation = new (std::nothrow) QPropertyAnimation(target, property, nullptr);
         if (animation == nullptr) {
             return nullptr;
         }
@@ -70,8 +68,5 @@ QPropertyAnimation* PRuntimeAnimation::create(QObject* target, const QByteArray&
         animation->setEndValue(end);
         animation->setEasingCurve(easing);
         return animation;
-    } catch (...) {
-        delete animation;
-        return nullptr;
-    }
+    });
 }

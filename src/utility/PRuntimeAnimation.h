@@ -21,14 +21,13 @@ public:
 
     // Creates and starts the animation of create(); nothing more when create gives none.
     virtual void run(QObject* target, const QByteArray& property, int duration,
-                     const QVariant& start, const QVariant& end,
-                     const QEasingCurve& easing) noexcept;
+                     const QVariant& start, const QVariant& end, const QEasingCurve& easing);
     // With animations on: a prepared, not started animation without a Qt parent that deletes
     // itself once it has finished (a caller that never starts it owns it). With animations off:
     // sets the property to `end` and returns null. Null for a null target.
     virtual QPropertyAnimation* create(QObject* target, const QByteArray& property, int duration,
                                        const QVariant& start, const QVariant& end,
-                                       const QEasingCurve& easing) noexcept;
+                                       const QEasingCurve& easing);
 
     PRuntimeAnimation(const PRuntimeAnimation&) = delete;
     PRuntimeAnimation& operator=(const PRuntimeAnimation&) = delete;

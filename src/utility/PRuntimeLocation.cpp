@@ -1,6 +1,7 @@
 #include "PRuntimeLocation.h"
 
 #include "LocationFormulas.h"
+#include "Operation.h"
 
 #include <cmath>
 
@@ -62,75 +63,83 @@ PRuntimeLocation& PRuntimeLocation::operator=(const PRuntimeLocation& /*other*/)
 
 PRuntimeLocation::~PRuntimeLocation() = default;
 
-bool PRuntimeLocation::isChina(double longitude, double latitude) const noexcept {
+bool PRuntimeLocation::isChina(double longitude, double latitude) const {
     // Strict bounds; a NaN fails every comparison and so counts as outside.
     const bool inside =
         longitude > 73.66 && longitude < 135.05 && latitude > 3.86 && latitude < 53.55;
     return !inside;
 }
 
-void PRuntimeLocation::BD09_TO_GCJ02(double* longitude, double* latitude) const noexcept {
-    if (longitude == nullptr || latitude == nullptr) {
-        return;
-    }
-    const double lng = *longitude;
-    const double lat = *latitude;
-    // Tested on the BD-09 input, unlike the opposite way, which always shifts.
-    if (isChina(lng, lat)) {
-        *longitude = lng;
-        *latitude = lat;
-        return;
-    }
-    const double x = lng - 0.0065;
-    const double y = lat - 0.006;
-    const double z = std::sqrt(x * x + y * y) - 0.00002 * std::sin(y * x_PI);
-    const double theta = std::atan2(y, x) - 0.000003 * std::cos(x * x_PI);
-    *longitude = z * std::cos(theta);
-    *latitude = z * std::sin(theta);
+void PRuntimeLocation::BD09_TO_GCJ02(double* longitude, double* latitude) const {
+    pallix::operation([&] {
+        if (longitude == nullptr || latitude == nullptr) {
+            return;
+        }
+        const double lng = *longitude;
+        const double lat = *latitude;
+        // Tested on the BD-09 input, unlike the opposite way, which always shifts.
+        if (isChina(lng, lat)) {
+            *longitude = lng;
+            *latitude = lat;
+            return;
+        }
+        const double x = lng - 0.0065;
+        const double y = lat - 0.006;
+        const double z = std::sqrt(x * x + y * y) - 0.00002 * std::sin(y * x_PI);
+        const double theta = std::atan2(y, x) - 0.000003 * std::cos(x * x_PI);
+        *longitude = z * std::cos(theta);
+        *latitude = z * std::sin(theta);
+    });
 }
 
-void PRuntimeLocation::GCJ02_TO_BD09(double* longitude, double* latitude) const noexcept {
-    if (longitude == nullptr || latitude == nullptr) {
-        return;
-    }
-    const double lng = *longitude;
-    const double lat = *latitude;
-    const double z = std::sqrt(lng * lng + lat * lat) + 0.00002 * std::sin(lat * x_PI);
-    const double theta = std::atan2(lat, lng) + 0.000003 * std::cos(lng * x_PI);
-    *longitude = z * std::cos(theta) + 0.0065;
-    *latitude = z * std::sin(theta) + 0.006;
+void PRuntimeLocation::GCJ02_TO_BD09(double* longitude, double* latitude) const {
+    pallix::operation([&] {
+        if (longitude == nullptr || latitude == nullptr) {
+            return;
+        }
+        const double lng = *longitude;
+        const double lat = *latitude;
+        const double z = std::sqrt(lng * lng + lat * lat) + 0.00002 * std::sin(lat * x_PI);
+        const double theta = std::atan2(lat, lng) + 0.000003 * std::cos(lng * x_PI);
+        *longitude = z * std::cos(theta) + 0.0065;
+        *latitude = z * std::sin(theta) + 0.006;
+    });
 }
 
-void PRuntimeLocation::GCJ02_TO_WGS84(double* longitude, double* latitude) const noexcept {
-    if (longitude == nullptr || latitude == nullptr) {
-        return;
-    }
-    const double lng = *longitude;
-    const double lat = *latitude;
-    if (isChina(lng, lat)) {
-        *longitude = lng;
-        *latitude = lat;
-        return;
-    }
-    // One step only: the offset is taken at the GCJ-02 point instead of being iterated, and
-    // the subtraction keeps the form 2a - (a + d), which rounds differently from a - d.
-    const Offset offset = gcjOffset(lng, lat);
-    *longitude = 2.0 * lng - (lng + offset.longitude);
-    *latitude = 2.0 * lat - (lat + offset.latitude);
+void PRuntimeLocation::GCJ02_TO_WGS84(double* longitude, double* latitude) const {
+    pallix::operation([&] {
+        if (longitude == nullptr || latitude == nullptr) {
+            return;
+        }
+        const double lng = *longitude;
+        const double lat = *latitude;
+        if (isChina(lng, lat)) {
+            *longitude = lng;
+            *latitude = lat;
+            return;
+        }
+        // One step only: the offset is taken at the GCJ-02 point instead of being iterated, and
+        // the subtraction keeps the form 2a - (a + d), which rounds differently from a - d.
+        const Offset offset = gcjOffset(lng, lat);
+        *longitude = 2.0 * lng - (lng + offset.longitude);
+        *latitude = 2.0 * lat - (lat + offset.latitude);
+    });
 }
 
-void PRuntimeLocation::WGS84_TO_GCJ02(double* longitude, double* latitude) const noexcept {
-    if (longitude == nullptr || latitude == nullptr) {
-        return;
-    }
-    const double lng = *longitude;
-    const double lat = *latitude;
-    if (isChina(lng, lat)) {
-        *longitude = lng;
-        *latitude = lat;
-        return;
-    }
-    const Offset offset = gcjOffset(lng, lat);
-    *longitude = lng + offset.longitude;
-    *latitude = lat + offset.latitude;
+void PRuntimeLocation::WGS84_TO_GCJ02(double* longitude, double* latitude) const {
+    pallix::operation([&] {
+        if (longitude == nullptr || latitude == nullptr) {
+            return;
+        }
+        const double lng = *longitude;
+        const double lat = *latitude;
+        if (isChina(lng, lat)) {
+            *longitude = lng;
+            *latitude = lat;
+            return;
+        }
+        const Offset offset = gcjOffset(lng, lat);
+        *longitude = lng + offset.longitude;
+        *latitude = lat + offset.latitude;
+    });
 }

@@ -21,11 +21,11 @@ public:
     PRuntimeLocation& operator=(const PRuntimeLocation& other) noexcept;
     virtual ~PRuntimeLocation();
 
-    virtual bool isChina(double longitude, double latitude) const noexcept;
-    virtual void BD09_TO_GCJ02(double* longitude, double* latitude) const noexcept;
+    virtual bool isChina(double longitude, double latitude) const;
+    virtual void BD09_TO_GCJ02(double* longitude, double* latitude) const;
     // Always shifts: there is no rectangle test on this way.
-    virtual void GCJ02_TO_BD09(double* longitude, double* latitude) const noexcept;
+    virtual void GCJ02_TO_BD09(double* longitude, double* latitude) const;
     // A single-step inverse of WGS84_TO_GCJ02, close to but not exactly the starting point.
-    virtual void GCJ02_TO_WGS84(double* longitude, double* latitude) const noexcept;
-    virtual void WGS84_TO_GCJ02(double* longitude, double* latitude) const noexcept;
+    virtual void GCJ02_TO_WGS84(double* longitude, double* latitude) const;
+    virtual void WGS84_TO_GCJ02(double* longitude, double* latitude) const;
 };

@@ -1,11 +1,13 @@
 #include "PRuntimePicture.h"
 
+#include "Operation.h"
+
 PRuntimePicture::PRuntimePicture() noexcept = default;
 
 PRuntimePicture::~PRuntimePicture() = default;
 
-QPixmap PRuntimePicture::middle(const QPixmap& source, int width, int height) const noexcept {
-    try {
+QPixmap PRuntimePicture::middle(const QPixmap& source, int width, int height) const {
+    return pallix::operation([&] {
         // Both candidates first: the width-fitted one wins whenever it is tall enough, even
         // when the other would fit as well.
         const QPixmap byWidth = source.scaledToWidth(width, Qt::SmoothTransformation);
@@ -18,7 +20,5 @@ QPixmap PRuntimePicture::middle(const QPixmap& source, int width, int height) co
         }
         return source.scaled(width, height, Qt::KeepAspectRatioByExpanding,
                              Qt::SmoothTransformation);
-    } catch (...) {
-        return QPixmap();
-    }
+    });
 }

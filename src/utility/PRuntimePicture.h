@@ -17,7 +17,7 @@ public:
     // and cut vertically from its middle when that is tall enough, otherwise scaled to the
     // box's height and cut horizontally from its middle, otherwise (rounding left both short)
     // scaled to cover the box without a cut.
-    virtual QPixmap middle(const QPixmap& source, int width, int height) const noexcept;
+    virtual QPixmap middle(const QPixmap& source, int width, int height) const;
 
     PRuntimePicture(const PRuntimePicture&) = delete;
     PRuntimePicture& operator=(const PRuntimePicture&) = delete;

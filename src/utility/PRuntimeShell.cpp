@@ -2,6 +2,7 @@
 
 #include "NFileSystem.h"
 #include "NShell.h"
+#include "Operation.h"
 #include "PRuntimeString.h"
 #include "ProductAddress.h"
 
@@ -13,8 +14,8 @@ PRuntimeShell::PRuntimeShell() noexcept = default;
 
 PRuntimeShell::~PRuntimeShell() = default;
 
-bool PRuntimeShell::Remove(const NString& path) const noexcept {
-    try {
+bool PRuntimeShell::Remove(const NString& path) const {
+    return pallix::operation([&] {
         if (!NFileSystem::path::exist(path)) {
             return false;
         }
@@ -23,46 +24,38 @@ bool PRuntimeShell::Remove(const NString& path) const noexcept {
         }
         // An empty filter takes every entry.
         return NFileSystem::directory::remove(path, NFileSystem::directory::Filter());
-    } catch (...) {
-        return false;
-    }
+    });
 }
 
-bool PRuntimeShell::OpenFile(const NString& path) const noexcept {
-    try {
+bool PRuntimeShell::OpenFile(const NString& path) const {
+    return pallix::operation([&] {
         const NFileSystem::path normalised = NFileSystem::path::format(path);
         const QString local = _8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(normalised.data());
         return QDesktopServices::openUrl(QUrl::fromLocalFile(local));
-    } catch (...) {
-        return false;
-    }
+    });
 }
 
-bool PRuntimeShell::OpenImage(const NString& path) const noexcept {
-    try {
+bool PRuntimeShell::OpenImage(const NString& path) const {
+    return pallix::operation([&] {
         if (!path.exist()) {
             return false;
         }
         // Unquoted by design: the host relies on the command line exactly as it is built here.
         return NShell::system(NString("open ") + path) == 0;
-    } catch (...) {
-        return false;
-    }
+    });
 }
 
-bool PRuntimeShell::OpenDirectory(const NString& path) const noexcept {
-    return OpenFile(path);
+bool PRuntimeShell::OpenDirectory(const NString& path) const {
+    return pallix::operation([&] { return OpenFile(path); });
 }
 
-bool PRuntimeShell::OpenURL(const NString& url) const noexcept {
-    try {
+bool PRuntimeShell::OpenURL(const NString& url) const {
+    return pallix::operation([&] {
         const QUrl address(_8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(url), QUrl::TolerantMode);
         return QDesktopServices::openUrl(address);
-    } catch (...) {
-        return false;
-    }
+    });
 }
 
-bool PRuntimeShell::OpenTolvane() const noexcept {
-    return OpenURL(NString(pallix::productAddress));
+bool PRuntimeShell::OpenTolvane() const {
+    return pallix::operation([&] { return OpenURL(NString(pallix::productAddress)); });
 }

@@ -1,5 +1,7 @@
 #include "PRuntimeString.h"
 
+#include "Operation.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QObject>
@@ -46,29 +48,27 @@ PRuntimeString::PRuntimeString() noexcept = default;
 
 PRuntimeString::~PRuntimeString() = default;
 
-NString PRuntimeString::convert(const QString& text) const noexcept {
-    return _80BAEFCF_853E_40F2_B25F_0FB5B8F4D46F(text);
+NString PRuntimeString::convert(const QString& text) const {
+    return pallix::operation([&] { return _80BAEFCF_853E_40F2_B25F_0FB5B8F4D46F(text); });
 }
 
-QString PRuntimeString::convert(const NString& text) const noexcept {
-    return _8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(text);
+QString PRuntimeString::convert(const NString& text) const {
+    return pallix::operation([&] { return _8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(text); });
 }
 
-QString PRuntimeString::cpuCore(unsigned int cores) const noexcept {
-    try {
+QString PRuntimeString::cpuCore(unsigned int cores) const {
+    return pallix::operation([&] {
         const unsigned int index = cores < std::size(coreNames) ? cores : unknownIndex;
         return QObject::tr(coreNames[index]);
-    } catch (...) {
-        return QString();
-    }
+    });
 }
 
-QString PRuntimeString::wifiTypeToString(EDEVICE_WIFI_TYPE type) const noexcept {
-    return wifiTypeToString(type, false);
+QString PRuntimeString::wifiTypeToString(EDEVICE_WIFI_TYPE type) const {
+    return pallix::operation([&] { return wifiTypeToString(type, false); });
 }
 
-QString PRuntimeString::wifiTypeToString(EDEVICE_WIFI_TYPE type, bool spaced) const noexcept {
-    try {
+QString PRuntimeString::wifiTypeToString(EDEVICE_WIFI_TYPE type, bool spaced) const {
+    return pallix::operation([&] {
         const unsigned int value = static_cast<unsigned int>(type);
         const unsigned int index = value < std::size(wifiNames) ? value : unknownIndex;
         QString name = QObject::tr(wifiNames[index]);
@@ -76,22 +76,18 @@ QString PRuntimeString::wifiTypeToString(EDEVICE_WIFI_TYPE type, bool spaced) co
             name.replace(QStringLiteral("WiFi"), QStringLiteral(" WiFi"), Qt::CaseSensitive);
         }
         return name;
-    } catch (...) {
-        return QString();
-    }
+    });
 }
 
-QString PRuntimeString::secondToString(long long seconds) const noexcept {
-    try {
+QString PRuntimeString::secondToString(long long seconds) const {
+    return pallix::operation([&] {
         const QDateTime instant = QDateTime::fromTime_t(static_cast<uint>(seconds));
         return instant.toString(QString::fromLatin1(dateFormat));
-    } catch (...) {
-        return QString();
-    }
+    });
 }
 
-long long PRuntimeString::stringToSecond(const QString& date) const noexcept {
-    try {
+long long PRuntimeString::stringToSecond(const QString& date) const {
+    return pallix::operation([&]() -> long long {
         // East of UTC the local midnight of the epoch's day lies before the epoch, where the
         // unsigned count has no value; the day still has to map to the epoch itself.
         if (date == QLatin1String("1970-01-01")) {
@@ -99,28 +95,23 @@ long long PRuntimeString::stringToSecond(const QString& date) const noexcept {
         }
         const QDateTime midnight = QDateTime::fromString(date, QString::fromLatin1(dateFormat));
         return static_cast<long long>(midnight.toTime_t());
-    } catch (...) {
-        return invalidSeconds;
-    }
+    });
 }
 
-long long PRuntimeString::secondToDay(long long seconds) const noexcept {
-    return stringToSecond(secondToString(seconds));
+long long PRuntimeString::secondToDay(long long seconds) const {
+    return pallix::operation([&] { return stringToSecond(secondToString(seconds)); });
 }
 
-bool PRuntimeString::passwordMatch(const QString& password) const noexcept {
-    try {
+bool PRuntimeString::passwordMatch(const QString& password) const {
+    return pallix::operation([&] {
         // A fresh expression per call: QRegExp keeps match state, and this object is shared.
         const QRegExp rule(QString::fromLatin1(passwordPattern));
         return rule.exactMatch(password);
-    } catch (...) {
-        return false;
-    }
+    });
 }
 
-QString PRuntimeString::stringFromSize(unsigned long long bytes, int precision,
-                                       bool spaced) noexcept {
-    try {
+QString PRuntimeString::stringFromSize(unsigned long long bytes, int precision, bool spaced) {
+    return pallix::operation([&] {
         const QString separator = spaced ? QStringLiteral(" ") : QString();
         double size = static_cast<double>(bytes);
         if (size < 1024.0) {
@@ -136,26 +127,16 @@ QString PRuntimeString::stringFromSize(unsigned long long bytes, int precision,
         }
         size /= 1024.0;
         return QString::number(size, 'f', precision) + separator + QStringLiteral("TB");
-    } catch (...) {
-        return QString();
-    }
+    });
 }
 
 NString _80BAEFCF_853E_40F2_B25F_0FB5B8F4D46F(const QString& text) noexcept {
-    try {
-        const QByteArray utf8 = text.toUtf8();
-        // Taken as a C string on purpose: the text ends at an embedded NUL.
-        return NString(utf8.constData());
-    } catch (...) {
-        return NString();
-    }
+    const QByteArray utf8 = text.toUtf8();
+    // Taken as a C string on purpose: the text ends at an embedded NUL.
+    return NString(utf8.constData());
 }
 
 QString _8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(const NString& text) noexcept {
-    try {
-        // Measured up to the first NUL, like the C string the framework hands over.
-        return QString::fromUtf8(text.data());
-    } catch (...) {
-        return QString();
-    }
+    // Measured up to the first NUL, like the C string the framework hands over.
+    return QString::fromUtf8(text.data());
 }

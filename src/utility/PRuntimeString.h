@@ -19,32 +19,32 @@ public:
     virtual ~PRuntimeString();
 
     // Through UTF-8; the text ends at the first NUL character in either direction.
-    virtual NString convert(const QString& text) const noexcept;
-    virtual QString convert(const NString& text) const noexcept;
+    virtual NString convert(const QString& text) const;
+    virtual QString convert(const NString& text) const;
 
     // "单核" to "十六核"; "未知" for 0 and above 16.
-    virtual QString cpuCore(unsigned int cores) const noexcept;
-    virtual QString wifiTypeToString(EDEVICE_WIFI_TYPE type) const noexcept;
+    virtual QString cpuCore(unsigned int cores) const;
+    virtual QString wifiTypeToString(EDEVICE_WIFI_TYPE type) const;
     // With `spaced`, every "WiFi" of the (translated) text gets a blank in front of it.
-    virtual QString wifiTypeToString(EDEVICE_WIFI_TYPE type, bool spaced) const noexcept;
+    virtual QString wifiTypeToString(EDEVICE_WIFI_TYPE type, bool spaced) const;
 
     // The local date ("yyyy-MM-dd") of the instant; the seconds are cut to an unsigned 32-bit
     // count first, so negative values and dates after early 2106 wrap.
-    virtual QString secondToString(long long seconds) const noexcept;
+    virtual QString secondToString(long long seconds) const;
     // Local midnight at the start of a "yyyy-MM-dd" date, in seconds since the epoch.
     // "1970-01-01" is 0 in every time zone; anything that does not parse, or that lies before
     // the epoch, is 4294967295.
-    virtual long long stringToSecond(const QString& date) const noexcept;
+    virtual long long stringToSecond(const QString& date) const;
     // The instant truncated to the start of its local day.
-    virtual long long secondToDay(long long seconds) const noexcept;
+    virtual long long secondToDay(long long seconds) const;
 
     // 6 to 32 characters, not only digits, not only ASCII letters and not only other
     // characters (letters outside ASCII count as other characters).
-    virtual bool passwordMatch(const QString& password) const noexcept;
+    virtual bool passwordMatch(const QString& password) const;
 
     // "1023Byte", "1.50KB", "1 MB" ... up to "TB" (base 1024); `precision` decimals from KB on,
     // `spaced` puts a blank between number and unit.
-    virtual QString stringFromSize(unsigned long long bytes, int precision, bool spaced) noexcept;
+    virtual QString stringFromSize(unsigned long long bytes, int precision, bool spaced);
 
     PRuntimeString(const PRuntimeString&) = delete;
     PRuntimeString& operator=(const PRuntimeString&) = delete;

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -97,13 +98,14 @@ TEST(CloudQuery, ResultKindsAreReferencesOrCopies) {
     static_assert(std::is_same_v<decltype(std::declval<Cloud>().device_process_application_find(
                                      "", PRuntimeCloud::ProcessCallback())),
                                  bool>);
-    // Reading never throws; only a callback's own exception may leave a rule lookup. The
+    // Declared without an exception specification, so that a host's override written without
+    // one compiles; whether an exception can leave them is tested where they run. The
     // arguments are ready-made so that only the calls themselves are looked at.
-    static_assert(noexcept(std::declval<PRuntimeCloud&>().format(std::declval<const NString&>())));
-    static_assert(noexcept(std::declval<Cloud>().application_hash_cpid()));
+    static_assert(!noexcept(std::declval<PRuntimeCloud&>().format(std::declval<const NString&>())));
+    static_assert(!noexcept(std::declval<Cloud>().application_hash_cpid()));
     static_assert(
-        noexcept(std::declval<Cloud>().device_plugins_find(std::declval<const NString&>())));
-    static_assert(noexcept(std::declval<Cloud>().applet_verify_guide_pixmap()));
+        !noexcept(std::declval<Cloud>().device_plugins_find(std::declval<const NString&>())));
+    static_assert(!noexcept(std::declval<Cloud>().applet_verify_guide_pixmap()));
     static_assert(!noexcept(std::declval<Cloud>().device_process_plugins_find(
         std::declval<const NString&>(), std::declval<const PRuntimeCloud::ProcessCallback&>())));
     static_assert(!noexcept(std::declval<Cloud>().device_process_application_find(
@@ -431,11 +433,16 @@ TEST(CloudQuery, ExceptionFromTheCallbackReachesTheCaller) {
     EXPECT_THAT(calls.names, ::testing::ElementsAre("FirstAgent"));
 }
 
-TEST(CloudQuery, EmptyCallbackStillAnswersWhetherARuleHolds) {
+// The callback is not guarded, not even against being empty: calling an empty one raises the
+// standard wrapper's bad-call exception, which reaches the caller like any other.
+TEST(CloudQuery, EmptyCallbackOfAMatchingRuleThrowsBadFunctionCallToTheCaller) {
     TemporaryDirectory directory;
     CloudState cloud;
     ASSERT_TRUE(cloud.formatText(directory, kRules));
-    EXPECT_TRUE(cloud.device_process_plugins_find("MyAgentTool", {}));
+    EXPECT_THROW(cloud.device_process_plugins_find("MyAgentTool", {}), std::bad_function_call);
+    EXPECT_THROW(cloud.device_process_application_find("SyncDaemon", nullptr),
+                 std::bad_function_call);
+    // Without a matching rule there is no call to make, so nothing is raised.
     EXPECT_FALSE(cloud.device_process_plugins_find("nothing", {}));
-    EXPECT_TRUE(cloud.device_process_application_find("SyncDaemon", nullptr));
+    EXPECT_FALSE(cloud.device_process_application_find("nothing", nullptr));
 }

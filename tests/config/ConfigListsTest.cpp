@@ -291,13 +291,3 @@ TEST_F(ConfigListsTest, ListsSurviveAReload) {
     EXPECT_EQ(virtualLocations(counting), (std::vector<Place>{{0.1, 0.2, "v"}}));
     EXPECT_EQ(locationFavourites(counting), (std::vector<Place>{{-0.3, 0.4, "l"}}));
 }
-
-TEST_F(ConfigListsTest, ACallbackThatThrowsDoesNotEscape) {
-    counting.customBackupAppend("/x");
-    counting.virtualLocationAppend(1, 1, "a");
-    counting.fileCollectAppend("/y", true);
-    counting.customBackupTraverse([](const NString&) { throw 1; });
-    counting.virtualLocationTraverse([](double, double, const NString&) { throw 2; });
-    counting.fileCollectTraverse([](const NString&, bool) -> bool { throw 3; });
-    EXPECT_EQ(customBackups(counting).size(), 1u);
-}

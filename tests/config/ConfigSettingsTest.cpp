@@ -99,7 +99,7 @@ TEST_F(ConfigSettingsTest, PrivateGetterRecordsTheGivenDefaultOnlyWhenAbsent) {
 TEST_F(ConfigSettingsTest, PublicGetterAsksThePrivateOneThroughTheVirtualTable) {
     class Overriding : public PRuntimeConfig {
     public:
-        bool _get_setting_status(const NString& name, bool defaultStatus) const noexcept override {
+        bool _get_setting_status(const NString& name, bool defaultStatus) const override {
             asked = name;
             given = defaultStatus;
             return !defaultStatus;

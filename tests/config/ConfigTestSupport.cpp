@@ -8,48 +8,48 @@
 
 namespace pallix::test {
 
-void CountingConfig::save() noexcept {
+void CountingConfig::save() {
     ++saves;
     calls.push_back("save");
     PRuntimeConfig::save();
 }
 
-void CountingConfig::load_new() noexcept {
+void CountingConfig::load_new() {
     calls.push_back("load_new");
     PRuntimeConfig::load_new();
 }
 
-void CountingConfig::load_old() noexcept {
+void CountingConfig::load_old() {
     calls.push_back("load_old");
     PRuntimeConfig::load_old();
 }
 
-void CountingConfig::check_disk() noexcept {
+void CountingConfig::check_disk() {
     calls.push_back("check_disk");
     PRuntimeConfig::check_disk();
 }
 
-void CountingConfig::_set_setting_status(const NString& name, bool status) noexcept {
+void CountingConfig::_set_setting_status(const NString& name, bool status) {
     calls.push_back(std::string("_set_setting_status:") + name.data());
     PRuntimeConfig::_set_setting_status(name, status);
 }
 
-NString CountingConfig::getConfigDirectory(const NString& name) noexcept {
+NString CountingConfig::getConfigDirectory(const NString& name) {
     calls.push_back(std::string("getConfigDirectory:") + name.data());
     return PRuntimeConfig::getConfigDirectory(name);
 }
 
-NString CountingConfig::localRoot() noexcept {
+NString CountingConfig::localRoot() {
     calls.push_back("localRoot");
     return PRuntimeConfig::localRoot();
 }
 
-NString CountingConfig::localFirmwareArchiver() noexcept {
+NString CountingConfig::localFirmwareArchiver() {
     calls.push_back("localFirmwareArchiver");
     return PRuntimeConfig::localFirmwareArchiver();
 }
 
-NString CountingConfig::localNormal() noexcept {
+NString CountingConfig::localNormal() {
     calls.push_back("localNormal");
     return PRuntimeConfig::localNormal();
 }

@@ -16,15 +16,15 @@ namespace pallix::test {
 // Each counted operation still does its work.
 class CountingConfig : public PRuntimeConfig {
 public:
-    void save() noexcept override;
-    void load_new() noexcept override;
-    void load_old() noexcept override;
-    void check_disk() noexcept override;
-    void _set_setting_status(const NString& name, bool status) noexcept override;
-    NString getConfigDirectory(const NString& name) noexcept override;
-    NString localRoot() noexcept override;
-    NString localFirmwareArchiver() noexcept override;
-    NString localNormal() noexcept override;
+    void save() override;
+    void load_new() override;
+    void load_old() override;
+    void check_disk() override;
+    void _set_setting_status(const NString& name, bool status) override;
+    NString getConfigDirectory(const NString& name) override;
+    NString localRoot() override;
+    NString localFirmwareArchiver() override;
+    NString localNormal() override;
 
     int saves = 0;
     // Every counted call in order, e.g. "load_new", "save", "_set_setting_status:Name".

@@ -80,17 +80,17 @@ public:
     int initializes = 0;
 
 protected:
-    void _read() noexcept override {
+    void _read() override {
         ++reads;
         PRuntimeFactory::_read();
     }
-    void _write() noexcept override {
+    void _write() override {
         ++writes;
         PRuntimeFactory::_write();
     }
 
 public:
-    void initialize() noexcept override {
+    void initialize() override {
         ++initializes;
         PRuntimeFactory::initialize();
     }

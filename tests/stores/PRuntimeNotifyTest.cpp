@@ -39,7 +39,7 @@ public:
     int writes() const { return m_writes; }
 
 protected:
-    void _write() const noexcept override {
+    void _write() const override {
         ++m_writes;
         PRuntimeNotify::_write();
     }

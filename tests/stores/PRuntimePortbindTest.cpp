@@ -39,15 +39,15 @@ public:
     int initializations = 0;
 
 protected:
-    void _read() noexcept override {
+    void _read() override {
         ++reads;
         PRuntimePortbind::_read();
     }
-    void _write() noexcept override {
+    void _write() override {
         ++writes;
         PRuntimePortbind::_write();
     }
-    void _initialize() noexcept override {
+    void _initialize() override {
         ++initializations;
         PRuntimePortbind::_initialize();
     }

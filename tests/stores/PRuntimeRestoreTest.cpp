@@ -49,13 +49,13 @@ public:
     bool reload = true;
 
 protected:
-    void _read() noexcept override {
+    void _read() override {
         ++reads;
         if (reload) {
             PRuntimeRestoreCustomFirmware::_read();
         }
     }
-    void _write() noexcept override {
+    void _write() override {
         ++writes;
         PRuntimeRestoreCustomFirmware::_write();
     }
@@ -66,7 +66,7 @@ class FixedOtherFirmware : public PRuntimeRestoreOtherFirmware {
 public:
     NString answer;
     int calls = 0;
-    NString find(const NString&) noexcept override {
+    NString find(const NString&) override {
         ++calls;
         return answer;
     }
@@ -285,7 +285,7 @@ TEST(RestoreAutoActivate, ExistAppendAndRemove) {
 class RemoveCountingAutoActivate : public PRuntimeRestoreAutoActivate {
 public:
     std::vector<unsigned long long> removed;
-    void remove(unsigned long long id) noexcept override {
+    void remove(unsigned long long id) override {
         removed.push_back(id);
         PRuntimeRestoreAutoActivate::remove(id);
     }

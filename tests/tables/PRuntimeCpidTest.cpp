@@ -353,7 +353,7 @@ TEST(Cpid, CallsGoThroughTheVirtualOperations) {
     // A subclass that counts appends sees every row that format reads.
     class Counting : public PRuntimeCpid {
     public:
-        void append(const PRuntimeInfoCpid& row) noexcept override {
+        void append(const PRuntimeInfoCpid& row) override {
             ++appended;
             PRuntimeCpid::append(row);
         }
@@ -420,9 +420,8 @@ TEST(InfoCpid, VirtualOperationsKeepTheirSlots) {
 
 TEST(Cpid, VirtualOperationsKeepTheirSlots) {
     using FindWithCallback =
-        bool (PRuntimeCpid::*)(const NDeviceInfoRecovery&, const Callback&) const noexcept;
-    using FindIntoRow =
-        bool (PRuntimeCpid::*)(const NDeviceInfoRecovery&, PRuntimeInfoCpid&) const noexcept;
+        bool (PRuntimeCpid::*)(const NDeviceInfoRecovery&, const Callback&) const;
+    using FindIntoRow = bool (PRuntimeCpid::*)(const NDeviceInfoRecovery&, PRuntimeInfoCpid&) const;
     EXPECT_EQ(virtualSlot(&PRuntimeCpid::format), 3u);
     EXPECT_EQ(virtualSlot(&PRuntimeCpid::append), 4u);
     EXPECT_EQ(virtualSlot(static_cast<FindWithCallback>(&PRuntimeCpid::find)), 5u);

@@ -123,9 +123,12 @@ TEST_F(CrashTable, NonAsciiTextKeepsItsBytesInTheRow) {
     EXPECT_EQ(rows[0].solution(), "请重试。");
 }
 
+// An empty callback is looked at before any row: a matching key raises nothing (the process
+// would end if the wrapper's bad-call exception were raised inside the operation).
 TEST_F(CrashTable, FindWithAnEmptyCallbackDoesNothingAndRaisesNothing) {
-    EXPECT_NO_THROW(table.find("AMRestore", Callback()));
-    EXPECT_NO_THROW(table.find("AMRestore", nullptr));
+    ASSERT_FALSE(found(table, "AMRestore").empty());
+    table.find("AMRestore", Callback());
+    table.find("AMRestore", nullptr);
     EXPECT_EQ(keys(table).size(), 10u);
 }
 
@@ -226,7 +229,7 @@ TEST(CrashCode, RootOwnsOneTable) {
 TEST(CrashCode, FormatAndFindGoThroughTheVirtualOperations) {
     class Counting : public PRuntimeCrashCode {
     public:
-        void append(const PRuntimeInfoCrash& row) noexcept override {
+        void append(const PRuntimeInfoCrash& row) override {
             ++appended;
             PRuntimeCrashCode::append(row);
         }

@@ -163,9 +163,8 @@ TEST(PluginMapping, RootOwnsOneTable) {
 }
 
 TEST(PluginMapping, VirtualOperationsKeepTheirSlots) {
-    using FindWithCallback =
-        bool (PRuntimePluginMapping::*)(const NString&, const Callback&) const noexcept;
-    using FindIntoText = bool (PRuntimePluginMapping::*)(const NString&, NString&) const noexcept;
+    using FindWithCallback = bool (PRuntimePluginMapping::*)(const NString&, const Callback&) const;
+    using FindIntoText = bool (PRuntimePluginMapping::*)(const NString&, NString&) const;
     EXPECT_EQ(virtualSlot(&PRuntimePluginMapping::format), 3u);
     EXPECT_EQ(virtualSlot(static_cast<FindWithCallback>(&PRuntimePluginMapping::find)), 4u);
     EXPECT_EQ(virtualSlot(static_cast<FindIntoText>(&PRuntimePluginMapping::find)), 5u);

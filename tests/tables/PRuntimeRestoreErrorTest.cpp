@@ -107,9 +107,11 @@ TEST_F(RestoreErrorTable, AppendOfANewCodeAddsACopy) {
     EXPECT_EQ(describeOf(table, 4014), "Did not restart.");
 }
 
+// The code exists, so only the callback's emptiness keeps the call from being made.
 TEST_F(RestoreErrorTable, FindWithAnEmptyCallbackDoesNothing) {
-    EXPECT_NO_THROW(table.find(-1, Callback()));
-    EXPECT_NO_THROW(table.find(-1, nullptr));
+    ASSERT_EQ(describeOf(table, -1), "First minus one.");
+    table.find(-1, Callback());
+    table.find(-1, nullptr);
     EXPECT_EQ(describeOf(table, -1), "First minus one.");
 }
 
@@ -165,7 +167,7 @@ TEST(RestoreError, SampleTableHasNegativeAndPositiveCodes) {
 TEST(RestoreError, FormatGoesThroughTheVirtualAppend) {
     class Counting : public PRuntimeRestoreError {
     public:
-        void append(const PRuntimeInfoRestoreError& row) noexcept override {
+        void append(const PRuntimeInfoRestoreError& row) override {
             ++appended;
             PRuntimeRestoreError::append(row);
         }

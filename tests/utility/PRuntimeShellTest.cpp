@@ -121,7 +121,7 @@ TEST_F(ShellTest, OpenDirectoryIsOpenFile) {
 TEST_F(ShellTest, OpenDirectoryGoesThroughOpenFile) {
     struct Spy : PRuntimeShell {
         mutable int calls = 0;
-        bool OpenFile(const NString& path) const noexcept override {
+        bool OpenFile(const NString& path) const override {
             ++calls;
             return path == "/srv/folder";
         }
@@ -165,7 +165,7 @@ TEST_F(ShellTest, OpenTolvaneOpensTheProductAddress) {
 TEST_F(ShellTest, OpenTolvaneGoesThroughOpenUrl) {
     struct Spy : PRuntimeShell {
         mutable NString opened;
-        bool OpenURL(const NString& url) const noexcept override {
+        bool OpenURL(const NString& url) const override {
             opened = url;
             return false;
         }

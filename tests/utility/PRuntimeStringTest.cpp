@@ -91,16 +91,14 @@ public:
 
 TEST(StringSlots, VirtualOperationsKeepTheirSlots) {
     using S = PRuntimeString;
-    EXPECT_EQ(virtualSlot(static_cast<NString (S::*)(const QString&) const noexcept>(&S::convert)),
-              3u);
-    EXPECT_EQ(virtualSlot(static_cast<QString (S::*)(const NString&) const noexcept>(&S::convert)),
-              4u);
+    EXPECT_EQ(virtualSlot(static_cast<NString (S::*)(const QString&) const>(&S::convert)), 3u);
+    EXPECT_EQ(virtualSlot(static_cast<QString (S::*)(const NString&) const>(&S::convert)), 4u);
     EXPECT_EQ(virtualSlot(&S::cpuCore), 5u);
-    EXPECT_EQ(virtualSlot(static_cast<QString (S::*)(EDEVICE_WIFI_TYPE) const noexcept>(
-                  &S::wifiTypeToString)),
-              6u);
-    EXPECT_EQ(virtualSlot(static_cast<QString (S::*)(EDEVICE_WIFI_TYPE, bool) const noexcept>(
-                  &S::wifiTypeToString)),
+    EXPECT_EQ(
+        virtualSlot(static_cast<QString (S::*)(EDEVICE_WIFI_TYPE) const>(&S::wifiTypeToString)),
+        6u);
+    EXPECT_EQ(virtualSlot(
+                  static_cast<QString (S::*)(EDEVICE_WIFI_TYPE, bool) const>(&S::wifiTypeToString)),
               7u);
     EXPECT_EQ(virtualSlot(&S::secondToString), 8u);
     EXPECT_EQ(virtualSlot(&S::stringToSecond), 9u);
@@ -210,7 +208,7 @@ TEST_F(StringTest, SingleArgumentWifiTypeGoesThroughTheTwoArgumentOne) {
     struct Spy : PRuntimeString {
         mutable int calls = 0;
         mutable bool lastSpaced = true;
-        QString wifiTypeToString(EDEVICE_WIFI_TYPE type, bool spaced) const noexcept override {
+        QString wifiTypeToString(EDEVICE_WIFI_TYPE type, bool spaced) const override {
             ++calls;
             lastSpaced = spaced;
             return PRuntimeString::wifiTypeToString(type, spaced);
@@ -426,11 +424,11 @@ TEST_F(StringTest, SecondToDayEastOfUtc) {
 TEST_F(StringTest, SecondToDayGoesThroughTheVirtualOperations) {
     struct Spy : PRuntimeString {
         mutable std::vector<std::string> calls;
-        QString secondToString(long long seconds) const noexcept override {
+        QString secondToString(long long seconds) const override {
             calls.push_back("secondToString");
             return PRuntimeString::secondToString(seconds);
         }
-        long long stringToSecond(const QString& date) const noexcept override {
+        long long stringToSecond(const QString& date) const override {
             calls.push_back("stringToSecond");
             return PRuntimeString::stringToSecond(date);
         }

@@ -50,34 +50,22 @@ TEST(WindowSlots, VirtualOperationsKeepTheirSlots) {
     EXPECT_EQ(virtualSlot(&W::rootParent), 4u);
     EXPECT_EQ(virtualSlot(&W::relativeX), 5u);
     EXPECT_EQ(virtualSlot(&W::relativeY), 6u);
-    EXPECT_EQ(
-        virtualSlot(static_cast<void (W::*)(QWidget*, const NString&) noexcept>(&W::setToolTip)),
-        7u);
-    EXPECT_EQ(
-        virtualSlot(static_cast<void (W::*)(QWidget*, const QString&) noexcept>(&W::setToolTip)),
-        8u);
+    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QWidget*, const NString&)>(&W::setToolTip)), 7u);
+    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QWidget*, const QString&)>(&W::setToolTip)), 8u);
     EXPECT_EQ(virtualSlot(&W::toolTip), 9u);
-    EXPECT_EQ(virtualSlot(
-                  static_cast<void (W::*)(QWidget*, const NString&) noexcept>(&W::setWindowTitle)),
+    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QWidget*, const NString&)>(&W::setWindowTitle)),
               10u);
-    EXPECT_EQ(virtualSlot(
-                  static_cast<void (W::*)(QWidget*, const QString&) noexcept>(&W::setWindowTitle)),
+    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QWidget*, const QString&)>(&W::setWindowTitle)),
               11u);
     EXPECT_EQ(virtualSlot(&W::windowTitle), 12u);
-    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QLabel*, const NString&) noexcept>(&W::setText)),
-              13u);
-    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QLabel*, const QString&) noexcept>(&W::setText)),
-              14u);
-    EXPECT_EQ(virtualSlot(static_cast<NString (W::*)(const QLabel*) const noexcept>(&W::text)),
-              15u);
-    EXPECT_EQ(
-        virtualSlot(static_cast<void (W::*)(QPushButton*, const NString&) noexcept>(&W::setText)),
-        16u);
-    EXPECT_EQ(
-        virtualSlot(static_cast<void (W::*)(QPushButton*, const QString&) noexcept>(&W::setText)),
-        17u);
-    EXPECT_EQ(virtualSlot(static_cast<NString (W::*)(const QPushButton*) const noexcept>(&W::text)),
-              18u);
+    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QLabel*, const NString&)>(&W::setText)), 13u);
+    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QLabel*, const QString&)>(&W::setText)), 14u);
+    EXPECT_EQ(virtualSlot(static_cast<NString (W::*)(const QLabel*) const>(&W::text)), 15u);
+    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QPushButton*, const NString&)>(&W::setText)),
+              16u);
+    EXPECT_EQ(virtualSlot(static_cast<void (W::*)(QPushButton*, const QString&)>(&W::setText)),
+              17u);
+    EXPECT_EQ(virtualSlot(static_cast<NString (W::*)(const QPushButton*) const>(&W::text)), 18u);
 }
 
 TEST_F(WindowTest, RootHandsOutTheComponent) {
@@ -182,7 +170,7 @@ TEST_F(WindowTest, RelativePositionOfATopLevelWidgetLargerThanTheScreen) {
 TEST_F(WindowTest, RelativePositionFindsTheTopThroughTheVirtualTable) {
     struct Spy : PRuntimeWindow {
         mutable int calls = 0;
-        QWidget* rootParent(QWidget* widget) const noexcept override {
+        QWidget* rootParent(QWidget* widget) const override {
             ++calls;
             return PRuntimeWindow::rootParent(widget);
         }

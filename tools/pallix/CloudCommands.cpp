@@ -41,7 +41,7 @@ struct CloudOptions {
     }
 };
 
-using HashQuery = PRuntimeCloudApplicationHash (PRuntimeCloud::*)() const noexcept;
+using HashQuery = PRuntimeCloudApplicationHash (PRuntimeCloud::*)() const;
 
 // The reference files the library can be asked for, in the order the queries are declared.
 const std::vector<std::pair<std::string, HashQuery>>& hashQueries() {
@@ -124,8 +124,7 @@ std::vector<std::string> documentVersions(const pugi::xml_node& list) {
 }
 
 void printPlugins(const char* title, const PRuntimeCloud& cloud, const pugi::xml_node& list,
-                  PRuntimeCloudDevicePluginsItem (PRuntimeCloud::*find)(const NString&)
-                      const noexcept) {
+                  PRuntimeCloudDevicePluginsItem (PRuntimeCloud::*find)(const NString&) const) {
     const std::vector<std::string> versions = documentVersions(list);
     std::cout << title << " (" << versions.size() << ")\n";
     for (const std::string& version : versions) {

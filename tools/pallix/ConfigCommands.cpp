@@ -565,7 +565,7 @@ void show(PRuntimeConfig& config) {
 void printDirectories(PRuntimeConfig& config) {
     printRow("Data", config.getConfigDirectory("Data").data());
     printRow("Backup", config.getConfigDirectory("Backup").data());
-    const std::vector<std::pair<const char*, NString (PRuntimeConfig::*)() noexcept>> accessors{
+    const std::vector<std::pair<const char*, NString (PRuntimeConfig::*)()>> accessors{
         {"localRoot", &PRuntimeConfig::localRoot},
         {"localFirmwareSave", &PRuntimeConfig::localFirmwareSave},
         {"localFirmwareArchiver", &PRuntimeConfig::localFirmwareArchiver},

@@ -111,7 +111,7 @@ bool usableTable(const std::string& path, const char* rootName) {
 }
 
 // The root's component, or null when the root itself could not be created.
-template <typename Component> Component* component(Component* (PRuntime::*accessor)() noexcept) {
+template <typename Component> Component* component(Component* (PRuntime::*accessor)()) {
     PRuntime* root = PRuntime::getInstance();
     return root != nullptr ? (root->*accessor)() : nullptr;
 }
