@@ -22,8 +22,13 @@ if(PALLIX_FUZZ_ENGINE)
     target_compile_options(pallix_build_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# pallix_target_defaults(<target>): applies the shared flags to a target of this project.
+# pallix_target_defaults(<target>): applies the shared flags to a target of this project. Symbols
+# are hidden unless exported by a generated export header, inline functions included.
 function(pallix_target_defaults target)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:pallix::build_flags>)
-    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        C_VISIBILITY_PRESET hidden
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
