@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
     cmake ninja-build g++ clang libclang-rt-14-dev pkg-config binutils
     libpugixml-dev nlohmann-json3-dev libcli11-dev
-    qtbase5-dev libgtest-dev libgmock-dev libbenchmark-dev
+    qtbase5-dev libgtest-dev libgmock-dev libbenchmark-dev abigail-tools
     xvfb xauth tzdata
 )
 

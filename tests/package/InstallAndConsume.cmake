@@ -1,4 +1,5 @@
-# Script mode: BUILD_DIR, CONSUMER_DIR, WORK_DIR, CXX_COMPILER, GENERATOR, SANITIZE.
+# Script mode: BUILD_DIR, SOURCE_DIR, HEADER_LIST, CONSUMER_DIR, WORK_DIR, CXX_COMPILER, GENERATOR,
+# SANITIZE.
 # A sanitizer build's libraries need the same runtime in the consumers.
 set(consumer_flags "")
 if(SANITIZE)
@@ -35,6 +36,44 @@ foreach(required
         message(FATAL_ERROR "the installed tree lacks ${required}")
     endif()
 endforeach()
+# The installed headers are the public ones and nothing else: no internal header is installed.
+file(READ ${HEADER_LIST} expected_headers)
+file(GLOB installed_headers RELATIVE ${prefix}/include/PallixRuntime
+    ${prefix}/include/PallixRuntime/*)
+list(SORT installed_headers)
+if(NOT installed_headers STREQUAL expected_headers)
+    message(FATAL_ERROR "the installed headers are\n  ${installed_headers}\n"
+        "instead of\n  ${expected_headers}")
+endif()
+
+# The exported targets name only the installed include directories, never the source or build
+# tree.
+file(GLOB_RECURSE target_files ${prefix}/*/PallixRuntimeTargets*.cmake)
+set(include_properties_seen 0)
+foreach(target_file IN LISTS target_files)
+    file(READ ${target_file} text)
+    foreach(tree ${SOURCE_DIR} ${BUILD_DIR})
+        string(FIND "${text}" "${tree}" found)
+        if(NOT found EQUAL -1)
+            message(FATAL_ERROR "${target_file} names ${tree}")
+        endif()
+    endforeach()
+    # Each match is a list of directories, so the matches come back as one list of them.
+    string(REGEX MATCHALL "INTERFACE_INCLUDE_DIRECTORIES \"[^\"]*\"" directories "${text}")
+    foreach(directory IN LISTS directories)
+        if(directory MATCHES "^INTERFACE_INCLUDE_DIRECTORIES \"")
+            math(EXPR include_properties_seen "${include_properties_seen} + 1")
+        endif()
+        string(REGEX REPLACE "^INTERFACE_INCLUDE_DIRECTORIES \"|\"$" "" directory "${directory}")
+        if(NOT directory MATCHES "^\\\${_IMPORT_PREFIX}/include(/PallixRuntime)?$")
+            message(FATAL_ERROR "an exported target's include directory is ${directory}")
+        endif()
+    endforeach()
+endforeach()
+if(include_properties_seen EQUAL 0)
+    message(FATAL_ERROR "no exported target names an include directory")
+endif()
+
 file(GLOB_RECURSE sonames ${prefix}/*libPallixRuntime.so.5)
 if(NOT sonames)
     message(FATAL_ERROR "the installed tree lacks libPallixRuntime.so.5")
