@@ -64,7 +64,8 @@ public:
 
     // Finds the first rule, in document order, whose patterns all hold for `name`, hands it to
     // `callback` once and returns true; false without calling back when no rule holds. An
-    // exception thrown by the callback reaches the caller.
+    // exception thrown by the callback reaches the caller, and so does the standard wrapper's
+    // bad_function_call when a rule holds and the callback is empty.
     virtual bool device_process_plugins_find(const NString& name,
                                              const ProcessCallback& callback) const;
     virtual bool device_process_application_find(const NString& name,

@@ -4,8 +4,6 @@
 
 PRuntimeNotifyItem::PRuntimeNotifyItem() noexcept = default;
 
-// Copying is declared noexcept: a copy that runs out of memory for a text ends the process
-// rather than hand out a record with a text missing.
 PRuntimeNotifyItem::PRuntimeNotifyItem(const PRuntimeNotifyItem& other) noexcept
     : m_id(other.m_id), m_isSystem(other.m_isSystem), m_title(other.m_title), m_url(other.m_url),
       m_isPopup(other.m_isPopup), m_timestamp(other.m_timestamp), m_userID(other.m_userID),

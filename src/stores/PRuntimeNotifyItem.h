@@ -9,8 +9,8 @@
 class PALLIX_RUNTIME_EXPORT PRuntimeNotifyItem {
 public:
     PRuntimeNotifyItem() noexcept;
-    // Copies every field, isSystem included. Should a text fail to copy for want of memory, it
-    // is left empty rather than letting the failure escape.
+    // Copies every field, isSystem included. Should a text fail to copy for want of memory, the
+    // process ends (both are noexcept) rather than hand out a record with a text missing.
     PRuntimeNotifyItem(const PRuntimeNotifyItem& other) noexcept;
     PRuntimeNotifyItem& operator=(const PRuntimeNotifyItem& other) noexcept;
     virtual ~PRuntimeNotifyItem();

@@ -11,7 +11,7 @@
 class PALLIX_RUNTIME_EXPORT PRuntimeInfoCpid {
 public:
     PRuntimeInfoCpid() noexcept;
-    // Should copying the texts run out of memory, the row stays empty.
+    // Should copying the texts run out of memory, the process ends (the constructor is noexcept).
     PRuntimeInfoCpid(const NString& cpid, const NString& bdid, const NString& mode,
                      const NString& network, const NString& product, bool support) noexcept;
     PRuntimeInfoCpid(const PRuntimeInfoCpid&);

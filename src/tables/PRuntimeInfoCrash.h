@@ -10,7 +10,7 @@
 class PALLIX_RUNTIME_EXPORT PRuntimeInfoCrash {
 public:
     PRuntimeInfoCrash() noexcept;
-    // Should copying the texts run out of memory, the row stays empty.
+    // Should copying the texts run out of memory, the process ends (the constructor is noexcept).
     PRuntimeInfoCrash(const NString& key, const NString& reason, const NString& solution) noexcept;
     PRuntimeInfoCrash(const PRuntimeInfoCrash&);
     PRuntimeInfoCrash(PRuntimeInfoCrash&&) noexcept;

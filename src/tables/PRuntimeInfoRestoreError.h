@@ -10,7 +10,7 @@
 class PALLIX_RUNTIME_EXPORT PRuntimeInfoRestoreError {
 public:
     PRuntimeInfoRestoreError() noexcept;
-    // Should copying the texts run out of memory, the row keeps its code and empty texts.
+    // Should copying the texts run out of memory, the process ends (the constructor is noexcept).
     PRuntimeInfoRestoreError(long long code, const NString& describe,
                              const NString& solution) noexcept;
     PRuntimeInfoRestoreError(const PRuntimeInfoRestoreError&);
