@@ -2,22 +2,9 @@
 # Configures and builds an application that adds PallixRuntime with add_subdirectory, then runs
 # it. The application's CMakeLists.txt checks the build type and the targets the subproject
 # defined; its main.cpp checks that no internal header is reachable.
-set(consumer_flags "")
-if(SANITIZE)
-    # The flags reach the subproject too: the library is built with the same runtime.
-    set(consumer_flags "-fsanitize=${SANITIZE}")
-endif()
-file(REMOVE_RECURSE ${WORK_DIR})
+# The sanitizer flags reach the subproject too: the library is built with the same runtime.
+include(${CMAKE_CURRENT_LIST_DIR}/ConsumerSteps.cmake)
 set(build_dir ${WORK_DIR}/build)
-
-function(run_step description)
-    execute_process(COMMAND ${ARGN}
-        RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
-    if(NOT result EQUAL 0)
-        message(FATAL_ERROR "${description} failed (${result}):\n${output}\n${errors}")
-    endif()
-    set(step_output "${output}" PARENT_SCOPE)
-endfunction()
 
 run_step("configure the application" ${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${build_dir}
     -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DPALLIX_SOURCE_DIR=${SOURCE_DIR}

@@ -1,21 +1,7 @@
 # Script mode: BUILD_DIR, SOURCE_DIR, HEADER_LIST, CONSUMER_DIR, WORK_DIR, CXX_COMPILER, GENERATOR,
 # SANITIZE.
-# A sanitizer build's libraries need the same runtime in the consumers.
-set(consumer_flags "")
-if(SANITIZE)
-    set(consumer_flags "-fsanitize=${SANITIZE}")
-endif()
-file(REMOVE_RECURSE ${WORK_DIR})
+include(${CMAKE_CURRENT_LIST_DIR}/ConsumerSteps.cmake)
 set(prefix ${WORK_DIR}/prefix)
-
-function(run_step description)
-    execute_process(COMMAND ${ARGN}
-        RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
-    if(NOT result EQUAL 0)
-        message(FATAL_ERROR "${description} failed (${result}):\n${output}\n${errors}")
-    endif()
-    set(step_output "${output}" PARENT_SCOPE)
-endfunction()
 
 run_step("install" ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
 
