@@ -11,7 +11,7 @@ namespace pallix {
 // noexcept, so an exception that reaches it calls std::terminate() there, before the caller
 // could see it.
 //
-// Virtual operations carry no exception specification of their own, so that a host's override
+// Virtual operations carry no noexcept specifier of their own, so that a host's override
 // written without one compiles; their bodies run through this function instead.
 template <typename Body> decltype(auto) operation(Body&& body) noexcept {
     return std::forward<Body>(body)();

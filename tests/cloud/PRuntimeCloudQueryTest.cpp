@@ -98,7 +98,7 @@ TEST(CloudQuery, ResultKindsAreReferencesOrCopies) {
     static_assert(std::is_same_v<decltype(std::declval<Cloud>().device_process_application_find(
                                      "", PRuntimeCloud::ProcessCallback())),
                                  bool>);
-    // Declared without an exception specification, so that a host's override written without
+    // Declared without a noexcept specifier, so that a host's override written without
     // one compiles; whether an exception can leave them is tested where they run. The
     // arguments are ready-made so that only the calls themselves are looked at.
     static_assert(!noexcept(std::declval<PRuntimeCloud&>().format(std::declval<const NString&>())));

@@ -122,9 +122,9 @@ TEST(ConfigSlots, EveryOperationHasItsSlot) {
     EXPECT_EQ(virtualSlot(&C::localNormalBottomBackup), 59u);
 }
 
-// A host's override is written from the documented signatures, which carry no exception
-// specification; a noexcept here would reject it. The free function keeps its noexcept.
-TEST(ConfigSlots, OperationsCarryNoExceptionSpecification) {
+// A host's override is written from the documented signatures, which carry no noexcept; a
+// noexcept here would reject it. The free function keeps its noexcept.
+TEST(ConfigSlots, OperationsAreNotDeclaredNoexcept) {
     PRuntimeConfig* config = nullptr;
     const NString name("x");
     EXPECT_FALSE(noexcept(config->initialize()));

@@ -1,5 +1,5 @@
 // Subclasses of the components and records, written as a host application writes them: from
-// the documented signatures, with `override` and no exception specification. That they compile
+// the documented signatures, with `override` and no noexcept specifier. That they compile
 // is the first half of the test; the second is that a call through the base class reaches them,
 // and that the library's own calls between operations do too.
 

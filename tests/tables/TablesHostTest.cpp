@@ -1,5 +1,5 @@
 // The tables as a host application subclasses them: overrides written from the documented
-// signatures, without exception specifications, are the ones the tables call. And an exception
+// signatures, without noexcept specifiers, are the ones the tables call. And an exception
 // escaping inside a table's operation, such as one thrown by a caller's callback, ends the
 // process.
 

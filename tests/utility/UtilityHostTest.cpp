@@ -1,5 +1,5 @@
 // The text and coordinate helpers as a host application subclasses them: overrides written
-// from the documented signatures, without exception specifications, are reached through the
+// from the documented signatures, without noexcept specifiers, are reached through the
 // virtual table, and an override that throws inside one of the helpers ends the process.
 
 #include "EndsTheProcess.h"
