@@ -128,10 +128,11 @@ void PRuntimeFactory::remove(unsigned long long id) {
 void PRuntimeFactory::traverse(const Visitor& visit) {
     pallix::operation([&] {
         std::map<unsigned long long, NDeviceInfoFactory> copy;
-        m_mutex.lock();
-        initialize();
-        copy = m_devices;
-        m_mutex.unlock();
+        {
+            NMutexAuto guard(m_mutex);
+            initialize();
+            copy = m_devices;
+        }
         if (!visit) {
             return;
         }
