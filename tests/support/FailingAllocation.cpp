@@ -37,6 +37,18 @@ __attribute__((visibility("default"))) void* operator new(std::size_t size) {
     return pointer;
 }
 
+// The non-throwing forms never fail on purpose; they are replaced only so that every
+// allocation and every release of the program go through the same pair of malloc and free.
+__attribute__((visibility("default"))) void* operator new(std::size_t size,
+                                                          const std::nothrow_t&) noexcept {
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+__attribute__((visibility("default"))) void operator delete(void* pointer,
+                                                            const std::nothrow_t&) noexcept {
+    std::free(pointer);
+}
+
 __attribute__((visibility("default"))) void operator delete(void* pointer) noexcept {
     std::free(pointer);
 }
