@@ -2,9 +2,9 @@
 // query that hands out a copy ends the process, rather than leaving a document read in part or
 // an empty answer that looks like a real one.
 
+#include "AllocationProbe.h"
 #include "CloudTestSupport.h"
 #include "EndsTheProcess.h"
-#include "FailingAllocation.h"
 
 #include "PRuntimeCloud.h"
 #include "TemporaryDirectory.h"

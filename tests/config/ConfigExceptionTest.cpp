@@ -1,9 +1,9 @@
 // An exception that escapes inside a configuration operation ends the process: it neither
 // reaches the caller nor is swallowed half-way through the operation.
 
+#include "AllocationProbe.h"
 #include "ConfigTestSupport.h"
 #include "EndsTheProcess.h"
-#include "FailingAllocation.h"
 
 #include <stdexcept>
 

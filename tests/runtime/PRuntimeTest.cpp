@@ -37,12 +37,12 @@ TEST_F(RuntimeRootTest, GetInstanceReturnsOneRootUntilFreed) {
 
 TEST_F(RuntimeRootTest, AccessorCreatesItsComponentOnceOnly) {
     PRuntime* root = PRuntime::getInstance();
-    const int before = allocation_probe::nothrowAllocationCount();
+    const int before = pallix::test::nothrowAllocationCount();
     PRuntimeValue* value = root->value();
     ASSERT_NE(value, nullptr);
-    EXPECT_EQ(allocation_probe::nothrowAllocationCount(), before + 1);
+    EXPECT_EQ(pallix::test::nothrowAllocationCount(), before + 1);
     EXPECT_EQ(root->value(), value);
-    EXPECT_EQ(allocation_probe::nothrowAllocationCount(), before + 1);
+    EXPECT_EQ(pallix::test::nothrowAllocationCount(), before + 1);
 }
 
 TEST_F(RuntimeRootTest, EveryAccessorHandsOutItsOwnComponent) {
@@ -87,9 +87,9 @@ TEST_F(RuntimeRootTest, ComponentsAreDestroyedInSlotOrder) {
     const void* rootAddress = root;
     const std::vector<const void*> components = allComponents(root);
 
-    allocation_probe::startRecordingDeletes();
+    pallix::test::startRecordingDeletes();
     PRuntime::freeInstance();
-    const std::vector<const void*> deleted = allocation_probe::stopRecordingDeletes();
+    const std::vector<const void*> deleted = pallix::test::stopRecordingDeletes();
 
     std::vector<const void*> componentDeletes;
     for (const void* pointer : deleted) {
@@ -106,14 +106,14 @@ TEST_F(RuntimeRootTest, ComponentsAreDestroyedInSlotOrder) {
 TEST_F(RuntimeRootTest, ComponentsNeverRequestedAreNotCreatedAtDestruction) {
     PRuntime* root = PRuntime::getInstance();
     ASSERT_NE(root->cloud(), nullptr);
-    const int before = allocation_probe::nothrowAllocationCount();
+    const int before = pallix::test::nothrowAllocationCount();
     PRuntime::freeInstance();
-    EXPECT_EQ(allocation_probe::nothrowAllocationCount(), before);
+    EXPECT_EQ(pallix::test::nothrowAllocationCount(), before);
 }
 
 TEST_F(RuntimeRootTest, FailedComponentAllocationReturnsNullAndRetries) {
     PRuntime* root = PRuntime::getInstance();
-    allocation_probe::failNextNothrowAllocations(1);
+    pallix::test::failNextNothrowAllocations(1);
     EXPECT_EQ(root->cpid(), nullptr);
     PRuntimeCpid* cpid = root->cpid();
     EXPECT_NE(cpid, nullptr);
@@ -121,7 +121,7 @@ TEST_F(RuntimeRootTest, FailedComponentAllocationReturnsNullAndRetries) {
 }
 
 TEST_F(RuntimeRootTest, FailedRootAllocationReturnsNullAndRetries) {
-    allocation_probe::failNextNothrowAllocations(1);
+    pallix::test::failNextNothrowAllocations(1);
     EXPECT_EQ(PRuntime::getInstance(), nullptr);
     EXPECT_EQ(PRuntime::_globalFrameworkRuntime, nullptr);
     EXPECT_NE(PRuntime::getInstance(), nullptr);

@@ -5,6 +5,8 @@
 
 namespace {
 
+// Counts throwing allocations down while armed; the one that finds zero throws.
+long g_failAfter = -1;
 int g_failNothrow = 0;
 int g_nothrowCount = 0;
 bool g_recording = false;
@@ -12,15 +14,32 @@ bool g_recording = false;
 const void* g_deleted[4096];
 std::size_t g_deletedCount = 0;
 
-void record(void* pointer) {
+void* allocate(std::size_t size) noexcept {
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+void release(void* pointer) noexcept {
     if (g_recording && pointer != nullptr && g_deletedCount < 4096) {
         g_deleted[g_deletedCount++] = pointer;
     }
+    std::free(pointer);
 }
 
 } // namespace
 
-namespace allocation_probe {
+namespace pallix::test {
+
+void failAllocation(long allowed) {
+    g_failAfter = allowed;
+}
+
+void disarmAllocationFailure() {
+    g_failAfter = -1;
+}
+
+long allocationsLeft() {
+    return g_failAfter;
+}
 
 void failNextNothrowAllocations(int count) {
     g_failNothrow = count;
@@ -40,10 +59,15 @@ std::vector<const void*> stopRecordingDeletes() {
     return std::vector<const void*>(g_deleted, g_deleted + g_deletedCount);
 }
 
-} // namespace allocation_probe
+} // namespace pallix::test
 
+// Every form allocates with malloc and releases with free, so that a sanitizer sees one matching
+// pair whichever form the program or the library uses.
 __attribute__((visibility("default"))) void* operator new(std::size_t size) {
-    void* pointer = std::malloc(size == 0 ? 1 : size);
+    if (g_failAfter >= 0 && g_failAfter-- == 0) {
+        throw std::bad_alloc();
+    }
+    void* pointer = allocate(size);
     if (pointer == nullptr) {
         throw std::bad_alloc();
     }
@@ -57,15 +81,18 @@ __attribute__((visibility("default"))) void* operator new(std::size_t size,
         --g_failNothrow;
         return nullptr;
     }
-    return std::malloc(size == 0 ? 1 : size);
+    return allocate(size);
 }
 
 __attribute__((visibility("default"))) void operator delete(void* pointer) noexcept {
-    record(pointer);
-    std::free(pointer);
+    release(pointer);
 }
 
 __attribute__((visibility("default"))) void operator delete(void* pointer, std::size_t) noexcept {
-    record(pointer);
-    std::free(pointer);
+    release(pointer);
+}
+
+__attribute__((visibility("default"))) void operator delete(void* pointer,
+                                                            const std::nothrow_t&) noexcept {
+    release(pointer);
 }
