@@ -43,11 +43,16 @@ namespace file {
 // Whether a regular file exists at the path.
 NEVORCORE_EXPORT bool exist(const path& p);
 NEVORCORE_EXPORT bool remove(const path& p);
-// The whole content of the file; empty when it cannot be read.
+// The whole content of the file; empty when it cannot be read. Only a regular file is read
+// (links followed): a FIFO, a device, a socket or a directory reads as empty, at once.
 NEVORCORE_EXPORT NByteArray toBytes(const path& p);
 // Replaces the file with the bytes atomically: they are written to a temporary file in the
 // same directory, flushed to disk and renamed over the target, so that a reader sees either
 // the old or the new content, never a part. A failed write leaves the old file in place.
+// A symbolic link stays a link: the file it leads to is replaced (or created). Where the
+// directory allows no new file but the file may be written, it is rewritten in place. Only
+// a regular file is ever replaced. A save also removes the temporaries that crashed saves of
+// the same file left behind.
 NEVORCORE_EXPORT bool fromBytes(const path& p, const NByteArray& bytes);
 
 } // namespace file
