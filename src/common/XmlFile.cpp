@@ -7,21 +7,26 @@
 namespace pallix {
 
 pugi::xml_parse_result XmlFile::load(pugi::xml_document& document, const NString& path) {
-    // A directory opens like a file on some systems and then reports an absurd size, which
-    // the parser would try to allocate; it can never be a document, so it fails here.
-    if (NFileSystem::path::isDirectory(NFileSystem::path(path))) {
-        pugi::xml_parse_result result;
-        result.status = pugi::status_io_error;
-        return result;
-    }
-    return document.load_file(path.data(), pugi::parse_default, pugi::encoding_utf8);
+    // The framework's reader takes only regular files and never blocks: a FIFO, a device or a
+    // directory where a file should be reads as nothing, which fails to parse like a missing
+    // file, and the caller goes on.
+    const NByteArray bytes = NFileSystem::file::toBytes(NFileSystem::path(path));
+    return document.load_buffer(bytes.data(), bytes.size(), pugi::parse_default,
+                                pugi::encoding_utf8);
 }
 
 bool XmlFile::save(const pugi::xml_document& document, const NString& path) {
     std::ostringstream text;
     document.save(text, "\t", pugi::format_indent, pugi::encoding_utf8);
-    const std::string bytes = text.str();
-    return NFileSystem::file::fromBytes(NFileSystem::path(path), NByteArray(bytes));
+    return NFileSystem::file::fromBytes(NFileSystem::path(path), NByteArray(text.str()));
+}
+
+bool XmlFile::replaceOrRemove(const pugi::xml_document& document, const NString& path) {
+    if (save(document, path)) {
+        return true;
+    }
+    NFileSystem::file::remove(NFileSystem::path(path));
+    return false;
 }
 
 void XmlFile::prependDeclaration(pugi::xml_document& document, const char* encoding,

@@ -10,12 +10,19 @@ namespace pallix {
 // of them share one encoding, one indentation and one crash-safe way of replacing a file.
 class XmlFile {
 public:
-    // Loads the file with the parser's default options, reading it as UTF-8.
+    // Loads the file with the parser's default options, reading it as UTF-8. Only a regular
+    // file loads; anything else at the path fails at once, like a missing file.
     static pugi::xml_parse_result load(pugi::xml_document& document, const NString& path);
 
     // Serialises the document with a tab per level and indented formatting only, in UTF-8, and
     // replaces the file atomically. The document carries its own declaration node.
     static bool save(const pugi::xml_document& document, const NString& path);
+
+    // For the stores whose file must not outlive a failed save: saves like save(), and when
+    // that fails removes the old file, so that no stale content is read back. The new content
+    // is complete in its temporary before the old file is touched, so a crash at any moment
+    // leaves the old file or the new one, never none. True when the new content was saved.
+    static bool replaceOrRemove(const pugi::xml_document& document, const NString& path);
 
     // Adds the declaration node in front of everything else in the document. With
     // `standalone` set it also carries standalone="no".

@@ -1,7 +1,6 @@
 #include "PRuntimePortbind.h"
 
 #include "NApplication.h"
-#include "NFileSystem.h"
 #include "Operation.h"
 #include "XmlFile.h"
 
@@ -46,11 +45,7 @@ void PRuntimePortbind::_write() {
             node.append_attribute("SOURCE").set_value(binding.first.data());
             node.append_attribute("TARGET").set_value(binding.second.data());
         }
-        const NString path = filePath();
-        // The old file goes first, so a save that fails leaves no file rather than a stale
-        // one; the table in memory keeps the change and the next write restores the file.
-        NFileSystem::file::remove(path);
-        pallix::XmlFile::save(document, path);
+        pallix::XmlFile::replaceOrRemove(document, filePath());
     });
 }
 

@@ -55,11 +55,7 @@ void PRuntimeRestoreCustomFirmware::_write() {
             entry.append_attribute("URL").set_value(url.data());
             entry.append_attribute("LOCAL").set_value(local.data());
         }
-        // The old file goes first, so a save that fails leaves no file rather than a stale
-        // one; the new file is still written atomically, so it is never seen cut short.
-        const NString path = customFirmwarePath();
-        NFileSystem::file::remove(path);
-        pallix::XmlFile::save(document, path);
+        pallix::XmlFile::replaceOrRemove(document, customFirmwarePath());
     });
 }
 
