@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <mutex>
 #include <string>
 
 namespace nevor::function {
@@ -33,12 +34,29 @@ nevor::function::DirectorySetting& resourcesDirectory() {
     return setting;
 }
 
-NString defaultConfigDirectory() {
+NString platformConfigDirectory() {
 #if defined(__APPLE__)
     return NSystem::userHome() + "/Library/Application Support/TolVane";
 #else
     return nevor::function::environmentDirectory("XDG_CONFIG_HOME", "/.config") + "/TolVane";
 #endif
+}
+
+// The default directory exists from the first time it is asked for, private to the user, as
+// the application's own directory does on the real platform; without it nothing could ever be
+// saved on a new machine. The directory last made sure of is remembered, so that the many
+// reads of the setting cost no system call; a default that follows a changed environment is
+// made in its turn.
+NString defaultConfigDirectory() {
+    static std::mutex mutex;
+    static NString ensured;
+    NString directory = platformConfigDirectory();
+    std::lock_guard<std::mutex> lock(mutex);
+    if (directory != ensured &&
+        NFileSystem::directory::create(NFileSystem::path(directory), 0700)) {
+        ensured = directory;
+    }
+    return directory;
 }
 
 NString executableDirectory() {
