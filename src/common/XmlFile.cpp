@@ -25,7 +25,12 @@ bool XmlFile::replaceOrRemove(const pugi::xml_document& document, const NString&
     if (save(document, path)) {
         return true;
     }
-    NFileSystem::file::remove(NFileSystem::path(path));
+    // Only a regular file can hold stale content; a FIFO or a directory that made the save
+    // fail is the user's and stays.
+    const NFileSystem::path file(path);
+    if (NFileSystem::file::exist(file)) {
+        NFileSystem::file::remove(file);
+    }
     return false;
 }
 

@@ -516,22 +516,3 @@ TEST_F(ConfigFileTest, ConfigurationPathThatIsAFileKeepsValuesInMemory) {
     EXPECT_EQ(TemporaryDirectory::read(blocker), "not a directory");
 }
 
-TEST_F(ConfigFileTest, ReadOnlyConfigurationDirectoryKeepsValuesInMemory) {
-    writeCurrent("<Nevor><LastSkin Value=\"111111\"/></Nevor>");
-    const std::string before = readCurrent();
-    std::filesystem::permissions(configDirectory(), std::filesystem::perms::owner_read |
-                                                        std::filesystem::perms::owner_exec);
-    // A privileged user writes regardless of the mode; only then may the file change.
-    const std::string probe = configDirectory() + "/probe";
-    const bool writable = std::ofstream(probe).good() && std::remove(probe.c_str()) == 0;
-    config()->initialize();
-    config()->setLastSkin("222222");
-    config()->fileCollectAppend("/f", true);
-    EXPECT_EQ(config()->getLastSkin(), NString("222222"));
-    EXPECT_EQ(fileFavourites(*config()).size(), 1u);
-    if (!writable) {
-        EXPECT_EQ(readCurrent(), before);
-    } else {
-        EXPECT_NE(readCurrent().find("222222"), std::string::npos);
-    }
-}

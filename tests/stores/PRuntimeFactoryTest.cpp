@@ -445,9 +445,11 @@ TEST_F(FactoryStoreTest, MissingConfigurationDirectoryKeepsTheChangeInMemory) {
     EXPECT_FALSE(NFileSystem::path::exist(NString(missing)));
 }
 
-TEST_F(FactoryStoreTest, ReadOnlyConfigurationDirectoryKeepsTheChangeInMemoryAndTheFileAsItWas) {
+TEST_F(FactoryStoreTest, ReadOnlyDirectoryAndFileKeepTheChangeInMemoryAndTheFileAsItWas) {
     const std::string original = factoryText({{"0000000000000001", record({{"a", "b"}})}});
     writeFactoryFile(original);
+    // Neither the directory nor the file may be written: no save can happen at all.
+    ASSERT_EQ(::chmod(factoryFile().c_str(), 0444), 0);
     const int status = pallix::test::runWithReadOnlyDirectory(directory.path(), [] {
         PRuntimeFactory store;
         store.append(2, record({{"c", "d"}}));

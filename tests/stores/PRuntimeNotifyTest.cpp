@@ -791,13 +791,15 @@ TEST_F(NotifyStoreTest, AMissingConfigurationDirectoryKeepsChangesInMemory) {
     EXPECT_FALSE(fileExists(config.outside("missing")));
 }
 
-TEST_F(NotifyStoreTest, AReadOnlyConfigurationDirectoryKeepsChangesInMemoryAndTheFileAsItWas) {
+TEST_F(NotifyStoreTest, AReadOnlyDirectoryAndFileKeepChangesInMemoryAndTheFileAsItWas) {
     {
         PRuntimeNotify seed;
         seed.append(1, makeItem(1, "before"));
     }
     const std::string before = readNotify();
     config.openToEveryone();
+    // Neither the directory nor the file may be written: no save can happen at all.
+    ASSERT_EQ(::chmod(notifyPath().c_str(), 0444), 0);
     ASSERT_EQ(::chmod(config.path().c_str(), 0555), 0);
     {
         Unprivileged guard;

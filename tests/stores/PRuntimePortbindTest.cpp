@@ -439,13 +439,15 @@ TEST_F(PortbindStoreTest, AMissingConfigurationDirectoryKeepsChangesInMemory) {
     EXPECT_FALSE(fileExists(config.outside("missing")));
 }
 
-TEST_F(PortbindStoreTest, AReadOnlyConfigurationDirectoryKeepsChangesInMemoryAndTheFile) {
+TEST_F(PortbindStoreTest, AReadOnlyDirectoryAndFileKeepChangesInMemoryAndTheFile) {
     {
         PRuntimePortbind seed;
         seed.append("a", "1");
     }
     const std::string before = readBind();
     config.openToEveryone();
+    // Neither the directory nor the file may be written: no save can happen at all.
+    ASSERT_EQ(::chmod(bindPath().c_str(), 0444), 0);
     ASSERT_EQ(::chmod(config.path().c_str(), 0555), 0);
     {
         Unprivileged guard;

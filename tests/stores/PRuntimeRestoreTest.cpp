@@ -602,11 +602,13 @@ TEST_F(RestoreStoreTest, MissingConfigurationDirectoryKeepsTheChangeInMemoryUnti
     EXPECT_EQ(store.find(NString(urlA)), NString());
 }
 
-TEST_F(RestoreStoreTest, ReadOnlyConfigurationDirectoryKeepsTheFileAndTheChangeInMemory) {
+TEST_F(RestoreStoreTest, ReadOnlyDirectoryAndFileKeepTheFileAndTheChangeInMemory) {
     const std::string a = firmware("a.ipsw");
     const std::string b = firmware("b.ipsw");
     writeIpswFile({{urlA, a}});
     const std::string original = TemporaryDirectory::read(ipswFile());
+    // Neither the directory nor the file may be written: no save can happen at all.
+    ASSERT_EQ(::chmod(ipswFile().c_str(), 0444), 0);
     const int status = pallix::test::runWithReadOnlyDirectory(directory.path(), [&] {
         CountingCustomFirmware store;
         store.append(NString(urlB), NString(b));
