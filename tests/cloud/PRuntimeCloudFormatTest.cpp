@@ -5,6 +5,7 @@
 
 #include "PRuntime.h"
 #include "PRuntimeCloud.h"
+#include "SpecialFiles.h"
 #include "TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
@@ -117,6 +118,24 @@ TEST(CloudFormat, MissingFileReturnsFalseAndChangesNothing) {
     ASSERT_TRUE(cloud.formatText(directory, kSmallDocument));
     const auto before = describe(cloud);
     EXPECT_FALSE(cloud.format(NString(directory.file("absent.xml"))));
+    EXPECT_EQ(describe(cloud), before);
+}
+
+TEST(CloudFormat, SomethingOtherThanAFileReadsAsMissingAtOnceAndChangesNothing) {
+    TemporaryDirectory directory;
+    CloudState cloud;
+    ASSERT_TRUE(cloud.formatText(directory, kSmallDocument));
+    const auto before = describe(cloud);
+    const std::string fifo = directory.file("cloud.xml");
+    const std::string link = directory.file("linked.xml");
+    ASSERT_TRUE(pallix::test::makeFifo(fifo));
+    ASSERT_EQ(::symlink(fifo.c_str(), link.c_str()), 0);
+
+    pallix::test::BlockingAlarm alarm;
+    EXPECT_FALSE(cloud.format(NString(fifo)));
+    EXPECT_FALSE(cloud.format(NString(link)));
+    EXPECT_FALSE(cloud.format(NString(directory.path())));
+    EXPECT_FALSE(cloud.format(NString("/dev/zero")));
     EXPECT_EQ(describe(cloud), before);
 }
 
