@@ -52,7 +52,7 @@ NEVORCORE_EXPORT NByteArray toBytes(const path& p);
 // A symbolic link stays a link: the file it leads to is replaced (or created). Where the
 // directory allows no new file but the file may be written, it is rewritten in place. Only
 // a regular file is ever replaced. A save also removes the temporaries that crashed saves of
-// the same file left behind.
+// the same file left behind, so at most a couple ever remain.
 NEVORCORE_EXPORT bool fromBytes(const path& p, const NByteArray& bytes);
 
 } // namespace file

@@ -7,8 +7,8 @@
 //   link gets its file created);
 // - where the directory allows no new file but the file itself may be written, the file is
 //   rewritten in place, as an editor would;
-// - each temporary is locked (flock) while its writer lives, and the next successful save of
-//   the same file removes the temporaries whose lock can be taken: those a crash left behind.
+// - each temporary is locked (flock) while its writer lives, and every save of the same file
+//   removes the temporaries whose lock can be taken: those a crash left behind.
 
 #include "NFileSystem.h"
 #include "PosixFile.h"
@@ -256,6 +256,10 @@ bool fromBytes(const path& p, const NByteArray& bytes) {
     const std::string directory = directoryOf(destination.path);
     const std::string name = nameOf(destination.path);
 
+    // The leftovers go before this save makes a temporary of its own: a kill during the
+    // clean-up adds nothing, and a kill after it leaves only this save's temporary. However
+    // many saves in a row are killed, one stray remains (one per writer killed at once).
+    removeAbandonedTemporaries(directory, name);
     Temporary temporary;
     if (!temporary.create(directory, name)) {
         const bool directoryClosed = errno == EACCES || errno == EPERM;
@@ -276,7 +280,6 @@ bool fromBytes(const path& p, const NByteArray& bytes) {
     }
     temporary.renamed();
     syncDirectory(directory);
-    removeAbandonedTemporaries(directory, name);
     return true;
 }
 
