@@ -1,6 +1,7 @@
-// A process rewriting the notification file is killed at random moments, hundreds of times:
-// the file left behind must always be whole, and hold either the last state the process
-// finished writing or the one it was writing.
+// A process rewriting the notification file is killed at random moments, a thousand times:
+// the file left behind must always be there and whole, hold either the last state the process
+// finished writing or the one it was writing, and have at most a couple of stray temporaries
+// beside it.
 
 #include "KillLoop.h"
 #include "NotifyPortbindTestSupport.h"
@@ -12,6 +13,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 #include <string>
@@ -19,13 +21,15 @@
 using pallix::test::ConfigDirectory;
 using pallix::test::fileExists;
 using pallix::test::killRepeatedly;
+using pallix::test::kKillRounds;
+using pallix::test::kMostStrayTemporaries;
 using pallix::test::makeItem;
+using pallix::test::strayTemporaries;
 using pallix::test::TemporaryDirectory;
 using pallix::test::WriterProgress;
 
 namespace {
 
-constexpr int kRounds = 220;
 constexpr unsigned long long kCounterId = 1;
 
 // State k: twenty fixed notifications, and from k = 1 on the counter notification holding k.
@@ -84,9 +88,13 @@ TEST(NotifyCrash, AFileRewrittenWhileKilledIsAlwaysWholeAndTheLastOrNextState) {
             progress.done.store(state);
         }
     };
+    int mostStrays = 0;
     const auto check = [&](long long started, long long done) {
         // The file is replaced atomically: it is always there.
         ASSERT_TRUE(fileExists(path));
+        const int strays = strayTemporaries(config.path(), "notify.xml");
+        mostStrays = std::max(mostStrays, strays);
+        ASSERT_LE(strays, kMostStrayTemporaries);
         const std::string text = TemporaryDirectory::read(path);
         pugi::xml_document document;
         const pugi::xml_parse_result parsed = document.load_buffer(text.data(), text.size());
@@ -106,10 +114,10 @@ TEST(NotifyCrash, AFileRewrittenWhileKilledIsAlwaysWholeAndTheLastOrNextState) {
                                   << done << " and started " << started;
         ASSERT_EQ(text, expectedFile(config, seeded, state));
     };
-    const auto statistics = killRepeatedly(kRounds, 20240601u, writer, check);
-    EXPECT_EQ(statistics.rounds, kRounds);
+    const auto statistics = killRepeatedly(kKillRounds, 20240601u, writer, check);
+    EXPECT_EQ(statistics.rounds, kKillRounds);
     std::cout << statistics.rounds << " kills, " << statistics.duringWrite
-              << " while a write was under way\n";
+              << " while a write was under way, at most " << mostStrays << " stray temporaries\n";
 
     // The writers made progress, and a store reading the file now sees the last state.
     PRuntimeNotify reloaded;

@@ -1,10 +1,10 @@
 // A child process rewrites a store's file in a loop, one numbered state after the other, and is
 // killed with SIGKILL at a random moment, over and over. After every kill the file must be
 // well-formed and hold either the last state the child finished writing or the one it was
-// writing when it died: never a mix, never a part. The custom firmware store deletes its file
-// before it writes the new one, so a kill in between may leave no file at all, but only while
-// a write was under way.
+// writing when it died: never a mix, never a part, never no file; and at most a couple of
+// stray temporaries may stand beside it.
 
+#include "KillLoop.h"
 #include "TemporaryDirectory.h"
 
 #include "PallixRuntime.h"
@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 #include <pugixml.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -26,11 +27,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+using pallix::test::kMostStrayTemporaries;
+using pallix::test::strayTemporaries;
 using pallix::test::TemporaryDirectory;
 
 namespace {
 
-constexpr int killCount = 200;
+constexpr int killCount = pallix::test::kKillRounds;
 
 // Shared between the test and its child: the number of the state the child is writing and of
 // the last one it finished.
@@ -192,6 +195,7 @@ TEST_F(StoresCrashTest, FactoryFileSurvivesKillsDuringRewrites) {
     const std::string path = directory.file("Factory.json");
     long state = 0;
     int midWrite = 0;
+    int mostStrays = 0;
     for (int kill = 0; kill < killCount; ++kill) {
         const KillOutcome outcome =
             killWhileWriting(*progress, state, random, [](Progress& shared, long from) {
@@ -204,6 +208,9 @@ TEST_F(StoresCrashTest, FactoryFileSurvivesKillsDuringRewrites) {
             });
         ASSERT_TRUE(outcome.killed) << "kill " << kill;
         midWrite += outcome.midWrite ? 1 : 0;
+        const int strays = strayTemporaries(directory.path(), "Factory.json");
+        mostStrays = std::max(mostStrays, strays);
+        ASSERT_LE(strays, kMostStrayTemporaries) << "kill " << kill;
         std::string problem;
         const long found = factoryFileStep(path, problem);
         ASSERT_NE(found, -1) << "kill " << kill << ": " << problem;
@@ -214,8 +221,9 @@ TEST_F(StoresCrashTest, FactoryFileSurvivesKillsDuringRewrites) {
         state = found;
     }
     EXPECT_GT(state, 0);
-    std::printf("%d kills, %d while a state was being written, %ld states written\n", killCount,
-                midWrite, state);
+    std::printf("%d kills, %d while a state was being written, %ld states written, at most %d "
+                "stray temporaries\n",
+                killCount, midWrite, state, mostStrays);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -279,31 +287,6 @@ long customFirmwareFileStep(const std::string& directory, std::string& problem) 
 
 } // namespace
 
-namespace {
-
-// The file as the store would write it with every fixed entry and the step entry of `step`;
-// it puts back what a kill between delete and rename took away.
-void seedCustomFirmwareFile(const std::string& directory, long step) {
-    pugi::xml_document document;
-    pugi::xml_node declaration = document.append_child(pugi::node_declaration);
-    declaration.append_attribute("version") = "1.0";
-    declaration.append_attribute("encoding") = "UTF-8";
-    declaration.append_attribute("standalone") = "no";
-    pugi::xml_node container = document.append_child("Rilo").append_child("MATCH");
-    const auto add = [&container](const std::string& url, const std::string& local) {
-        pugi::xml_node entry = container.append_child("MATCH");
-        entry.append_attribute("URL") = url.c_str();
-        entry.append_attribute("LOCAL") = local.c_str();
-    };
-    for (int i = 1; i <= 20; ++i) {
-        add(fixedUrl(i), stepLocal(directory, i));
-    }
-    add(stepUrl, stepLocal(directory, step));
-    ASSERT_TRUE(document.save_file((directory + "/RestoreIpsw.xml").c_str()));
-}
-
-} // namespace
-
 TEST_F(StoresCrashTest, CustomFirmwareFileSurvivesKillsDuringRewrites) {
     const std::string dir = directory.path();
     const std::string path = directory.file("RestoreIpsw.xml");
@@ -319,7 +302,7 @@ TEST_F(StoresCrashTest, CustomFirmwareFileSurvivesKillsDuringRewrites) {
     }
     long state = 0;
     int midWrite = 0;
-    int missing = 0;
+    int mostStrays = 0;
     for (int kill = 0; kill < killCount; ++kill) {
         const KillOutcome outcome =
             killWhileWriting(*progress, state, random, [&dir](Progress& shared, long from) {
@@ -333,14 +316,12 @@ TEST_F(StoresCrashTest, CustomFirmwareFileSurvivesKillsDuringRewrites) {
             });
         ASSERT_TRUE(outcome.killed) << "kill " << kill;
         midWrite += outcome.midWrite ? 1 : 0;
-        if (!NFileSystem::path::exist(NString(path))) {
-            ASSERT_TRUE(outcome.midWrite) << "kill " << kill << ": no file while no write was "
-                                          << "under way (state " << outcome.done << ")";
-            ++missing;
-            state = outcome.begun;
-            seedCustomFirmwareFile(dir, state);
-            continue;
-        }
+        ASSERT_TRUE(NFileSystem::path::exist(NString(path)))
+            << "kill " << kill << ": no file (state " << outcome.done << ", "
+            << (outcome.midWrite ? "writing" : "between writes") << ")";
+        const int strays = strayTemporaries(dir, "RestoreIpsw.xml");
+        mostStrays = std::max(mostStrays, strays);
+        ASSERT_LE(strays, kMostStrayTemporaries) << "kill " << kill;
         std::string problem;
         const long found = customFirmwareFileStep(dir, problem);
         ASSERT_NE(found, -1) << "kill " << kill << ": " << problem;
@@ -354,7 +335,7 @@ TEST_F(StoresCrashTest, CustomFirmwareFileSurvivesKillsDuringRewrites) {
         }
     }
     EXPECT_GT(state, 0);
-    std::printf("%d kills, %d while a state was being written, %d between delete and rename, "
-                "%ld states written\n",
-                killCount, midWrite, missing, state);
+    std::printf("%d kills, %d while a state was being written, %ld states written, at most %d "
+                "stray temporaries\n",
+                killCount, midWrite, state, mostStrays);
 }

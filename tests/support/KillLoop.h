@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <dirent.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <random>
+#include <string>
 
 namespace pallix::test {
 
@@ -49,6 +51,28 @@ public:
 private:
     WriterProgress* m_progress = nullptr;
 };
+
+// Kills per store file in the crash tests.
+constexpr int kKillRounds = 1000;
+// What crashes may leave beside a file, however many: the writer keeps it to the temporary of
+// the last save interrupted; two is the most a user may ever find.
+constexpr int kMostStrayTemporaries = 2;
+
+// The hidden companions of `fileName` in `directory` (".<fileName>." followed by anything):
+// the temporaries that interrupted saves left behind.
+inline int strayTemporaries(const std::string& directory, const std::string& fileName) {
+    const std::string prefix = "." + fileName + ".";
+    int count = 0;
+    if (DIR* handle = ::opendir(directory.c_str())) {
+        while (const dirent* entry = ::readdir(handle)) {
+            if (std::string(entry->d_name).rfind(prefix, 0) == 0) {
+                ++count;
+            }
+        }
+        ::closedir(handle);
+    }
+    return count;
+}
 
 struct KillStatistics {
     int rounds = 0;
