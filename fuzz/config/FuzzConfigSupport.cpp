@@ -7,10 +7,11 @@
 
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 #include <vector>
 
 namespace pallix::fuzz {
@@ -33,11 +34,11 @@ public:
         NApplication::setDirectoryResources(NString(m_path));
         NApple::setBackupDirectory(NString(m_path + "/Backup"));
     }
+    // Removes the directory with whatever the harnesses and the library left in it (the
+    // version file of config_version_fuzzer, backups, temporary files of the writer).
     ~ScratchDirectory() {
-        for (const char* name : {"/configure.xml", "/Config.xml"}) {
-            std::remove((m_path + name).c_str());
-        }
-        ::rmdir(m_path.c_str());
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
     }
     const std::string& path() const { return m_path; }
 

@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 
 namespace pallix::fuzz {
@@ -13,8 +15,10 @@ namespace pallix::fuzz {
 class InputFile {
 public:
     InputFile(const std::uint8_t* data, std::size_t size) {
-        char name[] = "/tmp/pallix-fuzz-XXXXXX";
-        const int fd = ::mkstemp(name);
+        std::error_code error;
+        std::string name =
+            (std::filesystem::temp_directory_path(error) / "pallix-fuzz-XXXXXX").string();
+        const int fd = error ? -1 : ::mkstemp(&name[0]);
         if (fd < 0) {
             return;
         }
