@@ -5,7 +5,7 @@
 
 #include "PRuntime.h"
 #include "PRuntimeCloud.h"
-#include "SpecialFiles.h"
+#include "NonRegularFiles.h"
 #include "TemporaryDirectory.h"
 
 #include <gmock/gmock.h>

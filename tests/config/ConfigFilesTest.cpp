@@ -4,7 +4,7 @@
 
 #include "ConfigTestSupport.h"
 #include "ReadOnlyDirectory.h"
-#include "SpecialFiles.h"
+#include "NonRegularFiles.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

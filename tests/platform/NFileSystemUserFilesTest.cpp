@@ -4,7 +4,7 @@
 
 #include "NFileSystem.h"
 #include "ReadOnlyDirectory.h"
-#include "SpecialFiles.h"
+#include "NonRegularFiles.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 // file, at once.
 
 #include "NotifyPortbindTestSupport.h"
-#include "SpecialFiles.h"
+#include "NonRegularFiles.h"
 
 #include "PallixRuntime.h"
 

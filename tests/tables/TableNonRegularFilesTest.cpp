@@ -1,7 +1,7 @@
 // A table path that leads to something other than a file (a FIFO, a link to one, a directory,
 // a device) reads like a missing table, at once: format() gives false and empties the table.
 
-#include "SpecialFiles.h"
+#include "NonRegularFiles.h"
 #include "TableFiles.h"
 #include "TemporaryDirectory.h"
 
@@ -74,7 +74,7 @@ std::vector<Table> tables() {
     };
 }
 
-class TableSpecialFiles : public ::testing::TestWithParam<Table> {
+class TableNonRegularFiles : public ::testing::TestWithParam<Table> {
 protected:
     std::pair<bool, bool> formatSampleThen(const std::string& path) const {
         BlockingAlarm alarm;
@@ -90,13 +90,13 @@ std::string nameOf(const ::testing::TestParamInfo<Table>& info) {
 
 } // namespace
 
-TEST_P(TableSpecialFiles, AFifoReadsAsAMissingTableAtOnce) {
+TEST_P(TableNonRegularFiles, AFifoReadsAsAMissingTableAtOnce) {
     const std::string fifo = directory.file("table.xml");
     ASSERT_TRUE(pallix::test::makeFifo(fifo));
     EXPECT_EQ(formatSampleThen(fifo), std::make_pair(false, false));
 }
 
-TEST_P(TableSpecialFiles, ALinkToAFifoReadsAsAMissingTableAtOnce) {
+TEST_P(TableNonRegularFiles, ALinkToAFifoReadsAsAMissingTableAtOnce) {
     const std::string fifo = directory.file("fifo");
     const std::string link = directory.file("table.xml");
     ASSERT_TRUE(pallix::test::makeFifo(fifo));
@@ -104,15 +104,15 @@ TEST_P(TableSpecialFiles, ALinkToAFifoReadsAsAMissingTableAtOnce) {
     EXPECT_EQ(formatSampleThen(link), std::make_pair(false, false));
 }
 
-TEST_P(TableSpecialFiles, ADirectoryOrADeviceReadsAsAMissingTable) {
+TEST_P(TableNonRegularFiles, ADirectoryOrADeviceReadsAsAMissingTable) {
     EXPECT_EQ(formatSampleThen(directory.path()), std::make_pair(false, false));
     EXPECT_EQ(formatSampleThen("/dev/zero"), std::make_pair(false, false));
 }
 
-TEST_P(TableSpecialFiles, ALinkToTheSampleReadsLikeTheSample) {
+TEST_P(TableNonRegularFiles, ALinkToTheSampleReadsLikeTheSample) {
     const std::string link = directory.file("table.xml");
     ASSERT_EQ(::symlink(sampleTable(GetParam().sample).c_str(), link.c_str()), 0);
     EXPECT_EQ(formatSampleThen(link), std::make_pair(true, true));
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryTable, TableSpecialFiles, ::testing::ValuesIn(tables()), nameOf);
+INSTANTIATE_TEST_SUITE_P(EveryTable, TableNonRegularFiles, ::testing::ValuesIn(tables()), nameOf);
