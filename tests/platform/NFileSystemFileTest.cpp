@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -22,20 +21,6 @@ namespace {
 
 NByteArray bytes(const std::string& text) {
     return NByteArray(text);
-}
-
-std::vector<std::string> entriesOf(const std::string& directory) {
-    std::vector<std::string> names;
-    if (DIR* handle = ::opendir(directory.c_str())) {
-        while (const dirent* entry = ::readdir(handle)) {
-            const std::string name = entry->d_name;
-            if (name != "." && name != "..") {
-                names.push_back(name);
-            }
-        }
-        ::closedir(handle);
-    }
-    return names;
 }
 
 } // namespace
@@ -64,7 +49,8 @@ TEST(NFileSystemFile, ReplacesAnExistingFileAndLeavesNoTemporaryFile) {
     ASSERT_TRUE(file::fromBytes(target, bytes("old content that is longer")));
     ASSERT_TRUE(file::fromBytes(target, bytes("new")));
     EXPECT_EQ(file::toBytes(target), bytes("new"));
-    EXPECT_EQ(entriesOf(directory.path()), std::vector<std::string>{"configure.xml"});
+    EXPECT_EQ(TemporaryDirectory::entries(directory.path()),
+              std::vector<std::string>{"configure.xml"});
 }
 
 TEST(NFileSystemFile, KeepsTheModeOfTheFileItReplaces) {
@@ -118,7 +104,7 @@ TEST(NFileSystemFile, FailedWriteLeavesTheOldFile) {
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 0) << "the write should have reported failure";
     EXPECT_EQ(TemporaryDirectory::read(target), "old");
-    EXPECT_EQ(entriesOf(directory.path()), std::vector<std::string>{"store.xml"});
+    EXPECT_EQ(TemporaryDirectory::entries(directory.path()), std::vector<std::string>{"store.xml"});
 }
 
 TEST(NFileSystemFile, ReaderNeverSeesAPartlyWrittenFile) {

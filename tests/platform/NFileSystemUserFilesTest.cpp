@@ -3,8 +3,8 @@
 // the leftovers of crashed saves.
 
 #include "NFileSystem.h"
-#include "ReadOnlyDirectory.h"
 #include "NonRegularFiles.h"
+#include "ReadOnlyDirectory.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -36,21 +36,6 @@ constexpr uid_t kNobody = 65534;
 
 NByteArray bytes(const std::string& text) {
     return NByteArray(text);
-}
-
-std::vector<std::string> entriesOf(const std::string& directory) {
-    std::vector<std::string> names;
-    if (DIR* handle = ::opendir(directory.c_str())) {
-        while (const dirent* entry = ::readdir(handle)) {
-            const std::string name = entry->d_name;
-            if (name != "." && name != "..") {
-                names.push_back(name);
-            }
-        }
-        ::closedir(handle);
-    }
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 std::string linkTarget(const std::string& link) {
@@ -90,8 +75,8 @@ TEST_F(UserFiles, ALinkStaysALinkAndTheFileItLeadsToGetsTheContent) {
     struct stat info {};
     ASSERT_EQ(::stat(kept.c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 07777, 0600u);
-    EXPECT_EQ(entriesOf(application), std::vector<std::string>{"configure.xml"});
-    EXPECT_EQ(entriesOf(dotfiles), std::vector<std::string>{"configure.xml"});
+    EXPECT_EQ(TemporaryDirectory::entries(application), std::vector<std::string>{"configure.xml"});
+    EXPECT_EQ(TemporaryDirectory::entries(dotfiles), std::vector<std::string>{"configure.xml"});
 }
 
 TEST_F(UserFiles, ARelativeChainOfLinksIsFollowedToItsFile) {
@@ -107,7 +92,8 @@ TEST_F(UserFiles, ARelativeChainOfLinksIsFollowedToItsFile) {
     EXPECT_EQ(linkTarget(link), "../dotfiles/current");
     EXPECT_EQ(linkTarget(dotfiles + "/current"), "versions/PortBind.xml");
     EXPECT_EQ(TemporaryDirectory::read(kept), "new");
-    EXPECT_EQ(entriesOf(dotfiles + "/versions"), std::vector<std::string>{"PortBind.xml"});
+    EXPECT_EQ(TemporaryDirectory::entries(dotfiles + "/versions"),
+              std::vector<std::string>{"PortBind.xml"});
 }
 
 TEST_F(UserFiles, ADanglingLinkIsWrittenThrough) {
@@ -127,7 +113,8 @@ TEST_F(UserFiles, ALoopOfLinksFailsAndCreatesNothing) {
     ASSERT_EQ(::symlink(second.c_str(), first.c_str()), 0);
     ASSERT_EQ(::symlink(first.c_str(), second.c_str()), 0);
     EXPECT_FALSE(file::fromBytes(NString(first), bytes("x")));
-    EXPECT_EQ(entriesOf(application), (std::vector<std::string>{"a.xml", "b.xml"}));
+    EXPECT_EQ(TemporaryDirectory::entries(application),
+              (std::vector<std::string>{"a.xml", "b.xml"}));
     EXPECT_TRUE(file::toBytes(NString(first)).empty());
 }
 
@@ -150,7 +137,7 @@ TEST_F(UserFiles, OnlyARegularFileIsEverReplaced) {
     ASSERT_EQ(::mkdir(directory.c_str(), 0755), 0);
     EXPECT_FALSE(file::fromBytes(NString(directory), bytes("x")));
     EXPECT_TRUE(NFileSystem::path::isDirectory(NString(directory)));
-    EXPECT_EQ(entriesOf(application),
+    EXPECT_EQ(TemporaryDirectory::entries(application),
               (std::vector<std::string>{"Factory.json", "PortBind.xml", "notify.xml"}));
 }
 
@@ -216,7 +203,7 @@ TEST_F(UserFiles, AWritableFileIsRewrittenInPlaceWhereTheDirectoryTakesNoNewFile
     struct stat after {};
     ASSERT_EQ(::stat(path.c_str(), &after), 0);
     EXPECT_EQ(after.st_ino, before.st_ino) << "written in place, so the same file";
-    EXPECT_EQ(entriesOf(application), std::vector<std::string>{"configure.xml"});
+    EXPECT_EQ(TemporaryDirectory::entries(application), std::vector<std::string>{"configure.xml"});
 }
 
 TEST_F(UserFiles, NothingIsWrittenWhereNeitherTheDirectoryNorTheFileMayBeWritten) {
@@ -234,7 +221,7 @@ TEST_F(UserFiles, NothingIsWrittenWhereNeitherTheDirectoryNorTheFileMayBeWritten
     EXPECT_EQ(runWithReadOnlyDirectory(
                   application, [&] { return !file::fromBytes(NString(missing), bytes("x")); }),
               0);
-    EXPECT_EQ(entriesOf(application), std::vector<std::string>{"configure.xml"});
+    EXPECT_EQ(TemporaryDirectory::entries(application), std::vector<std::string>{"configure.xml"});
 }
 
 TEST_F(UserFiles, TheNextSaveRemovesTheTemporariesThatNoWriterHolds) {
@@ -261,13 +248,13 @@ TEST_F(UserFiles, TheNextSaveRemovesTheTemporariesThatNoWriterHolds) {
     expected.push_back(".store.xml.tmp-LIVE01");
     expected.push_back("store.xml");
     std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(entriesOf(application), expected);
+    EXPECT_EQ(TemporaryDirectory::entries(application), expected);
 
     // Once its writer is gone, the next save takes that one too.
     ::close(held);
     ASSERT_TRUE(file::fromBytes(NString(path), bytes("newer")));
     expected.erase(std::find(expected.begin(), expected.end(), ".store.xml.tmp-LIVE01"));
-    EXPECT_EQ(entriesOf(application), expected);
+    EXPECT_EQ(TemporaryDirectory::entries(application), expected);
 }
 
 TEST_F(UserFiles, TemporariesBesideALinkedFileAreClearedWhereTheyAre) {
@@ -277,7 +264,7 @@ TEST_F(UserFiles, TemporariesBesideALinkedFileAreClearedWhereTheyAre) {
     ASSERT_EQ(::symlink(kept.c_str(), link.c_str()), 0);
     TemporaryDirectory::write(dotfiles + "/.configure.xml.tmp-Q1w2E3", "crashed");
     ASSERT_TRUE(file::fromBytes(NString(link), bytes("new")));
-    EXPECT_EQ(entriesOf(dotfiles), std::vector<std::string>{"configure.xml"});
+    EXPECT_EQ(TemporaryDirectory::entries(dotfiles), std::vector<std::string>{"configure.xml"});
 }
 
 #if defined(__linux__)

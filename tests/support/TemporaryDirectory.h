@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace pallix::test {
 
@@ -20,6 +21,8 @@ public:
     // Helpers for fixtures: write and read a whole file.
     static void write(const std::string& path, const std::string& content);
     static std::string read(const std::string& path);
+    // The names in a directory (without "." and ".."), sorted.
+    static std::vector<std::string> entries(const std::string& directory);
 
 private:
     std::string m_path;
