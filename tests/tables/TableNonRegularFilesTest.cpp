@@ -92,14 +92,14 @@ std::string nameOf(const ::testing::TestParamInfo<Table>& info) {
 
 TEST_P(TableNonRegularFiles, AFifoReadsAsAMissingTableAtOnce) {
     const std::string fifo = directory.file("table.xml");
-    ASSERT_TRUE(pallix::test::makeFifo(fifo));
+    ASSERT_TRUE(makeFifo(fifo));
     EXPECT_EQ(formatSampleThen(fifo), std::make_pair(false, false));
 }
 
 TEST_P(TableNonRegularFiles, ALinkToAFifoReadsAsAMissingTableAtOnce) {
     const std::string fifo = directory.file("fifo");
     const std::string link = directory.file("table.xml");
-    ASSERT_TRUE(pallix::test::makeFifo(fifo));
+    ASSERT_TRUE(makeFifo(fifo));
     ASSERT_EQ(::symlink(fifo.c_str(), link.c_str()), 0);
     EXPECT_EQ(formatSampleThen(link), std::make_pair(false, false));
 }
