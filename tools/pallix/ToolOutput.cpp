@@ -2,10 +2,12 @@
 
 #include <pugixml.hpp>
 
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace pallix::tool {
 
@@ -16,6 +18,84 @@ int& exitStatus() {
 
 void reportError(const std::string& message) {
     std::cerr << "pallix: " << message << '\n';
+}
+
+void reportWarning(const std::string& message) {
+    std::cerr << "pallix: " << paint(Colour::Yellow, "warning", STDERR_FILENO) << ": " << message
+              << '\n';
+}
+
+void reportNote(const std::string& message) {
+    std::cerr << "pallix: note: " << message << '\n';
+}
+
+void addJsonFlag(CLI::App& command, bool& json) {
+    command.add_flag("--json", json, "Print the result as JSON");
+}
+
+void printJson(const nlohmann::json& document) {
+    std::cout << document.dump(2) << '\n';
+}
+
+std::string escapeField(const std::string& field) {
+    std::string escaped;
+    escaped.reserve(field.size());
+    for (char c : field) {
+        switch (c) {
+        case '\t':
+            escaped += "\\t";
+            break;
+        case '\n':
+            escaped += "\\n";
+            break;
+        case '\r':
+            escaped += "\\r";
+            break;
+        case '\\':
+            escaped += "\\\\";
+            break;
+        default:
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
+void printFields(const std::vector<std::string>& fields) {
+    std::string line;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (i > 0) {
+            line += '\t';
+        }
+        line += escapeField(fields[i]);
+    }
+    line += '\n';
+    std::cout << line;
+}
+
+std::string paint(Colour colour, const std::string& text, int fileDescriptor) {
+    const char* term = std::getenv("TERM");
+    if (std::getenv("NO_COLOR") != nullptr || ::isatty(fileDescriptor) != 1 ||
+        (term != nullptr && std::string(term) == "dumb")) {
+        return text;
+    }
+    const char* code = colour == Colour::Red      ? "\033[1;31m"
+                       : colour == Colour::Yellow ? "\033[1;33m"
+                       : colour == Colour::Green  ? "\033[1;32m"
+                                                  : "\033[1m";
+    return code + text + "\033[0m";
+}
+
+void setExample(CLI::App& command, const std::string& example) {
+    std::string lines =
+        "\nExample" + std::string(example.find('\n') == std::string::npos ? "" : "s") + ":\n  ";
+    for (char c : example) {
+        lines += c;
+        if (c == '\n') {
+            lines += "  ";
+        }
+    }
+    command.footer(lines);
 }
 
 std::string describeXmlProblem(const std::string& path) {

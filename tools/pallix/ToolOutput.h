@@ -1,15 +1,41 @@
 #pragma once
 
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
 #include <string>
+#include <vector>
 
 namespace pallix::tool {
 
-// The exit status of the subcommand that ran; subcommands set it from their callbacks.
+// The exit status of a subcommand that ran to its end (check with findings, a query that found
+// nothing while others were answered). A subcommand that cannot go on throws a Failure instead
+// (Failure.h).
 int& exitStatus();
 
-// A problem with the tool's input (missing file, malformed XML, bad argument): printed on
-// standard error as "pallix: <message>".
+// Messages on standard error: "pallix: MESSAGE", "pallix: warning: MESSAGE",
+// "pallix: note: MESSAGE".
 void reportError(const std::string& message);
+void reportWarning(const std::string& message);
+void reportNote(const std::string& message);
+
+// Adds "--json" to a subcommand that prints results.
+void addJsonFlag(CLI::App& command, bool& json);
+// Prints a JSON document on standard output, indented, followed by a line feed.
+void printJson(const nlohmann::json& document);
+
+// One line of tab-separated fields. A tab, line feed, carriage return or backslash inside a
+// field is written as \t, \n, \r or \\, so that every line is one record.
+void printFields(const std::vector<std::string>& fields);
+std::string escapeField(const std::string& field);
+
+// Colour for a terminal that shows it: never when the stream is not a terminal, when NO_COLOR
+// is set (to anything) or when TERM is "dumb".
+enum class Colour { Red, Yellow, Green, Bold };
+std::string paint(Colour colour, const std::string& text, int fileDescriptor);
+
+// Ends a help screen with an example (or several, one per line).
+void setExample(CLI::App& command, const std::string& example);
 
 // Describes why an XML file could not be used: missing, unreadable, or not well-formed
 // (with its line and column). Returns an empty text when the file parses.

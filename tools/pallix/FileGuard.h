@@ -1,0 +1,20 @@
+#pragma once
+
+#include "check/FileKind.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+
+namespace pallix::tool {
+
+// The library reads a file it cannot use as if it were empty, and its next save replaces it.
+// Before a change, the tool makes sure that the file is either absent or one the library reads
+// as the expected kind; otherwise it fails (status 2) naming the file and "pallix check", and
+// nothing is written. With `force` it goes on, with a warning: the user asked for a fresh file.
+// Something other than a regular file is never replaced, forced or not.
+void guardFile(const std::string& path, check::FileKind kind, bool force);
+
+void addForceFlag(CLI::App& command, bool& force);
+
+} // namespace pallix::tool

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+// The values a user types, refused when the file they go to cannot hold them. CLI11's own
+// conversions are too lenient for that ("-1" becomes 18446744073709551615 in an unsigned
+// option, "nan" is a number), so every number and text of the tool goes through these.
+namespace pallix::tool {
+
+// A whole number written in decimal (an optional minus, then digits) within [minimum, maximum];
+// nothing for anything else, "+1", " 1" and "1.0" included.
+std::optional<long long> parseInteger(const std::string& text, long long minimum,
+                                      long long maximum);
+std::optional<unsigned long long> parseUnsigned(const std::string& text,
+                                                unsigned long long maximum);
+// A number that strtod reads in full and that is finite.
+std::optional<double> parseFiniteNumber(const std::string& text);
+
+// Why the text cannot be carried by an XML 1.0 document (a control character other than tab,
+// line feed and carriage return, U+FFFE or U+FFFF, or bytes that are not UTF-8); empty when
+// it can.
+std::string xmlTextProblem(const std::string& text);
+
+// Validators for CLI11 options built on the parsers above. The option's own conversion then
+// only ever sees text that it converts exactly.
+CLI::Validator IntegerIn(long long minimum, long long maximum);
+CLI::Validator UnsignedUpTo(unsigned long long maximum);
+CLI::Validator FiniteNumber();
+CLI::Validator XmlText();
+
+} // namespace pallix::tool
