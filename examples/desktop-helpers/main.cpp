@@ -6,7 +6,8 @@
 // both string types, a picture cut to the middle of a wide banner, and a marker that moves
 // with an animation when the "WindowAnimation" setting allows it (and jumps otherwise). A small
 // dialog is centred over the main window and brought forward. The buttons open the data
-// folder and the product's web site with the desktop.
+// folder and the product's web site with the desktop. With --quit-after, --screenshot writes a
+// PNG picture of the main window with the dialog over it just before the program quits.
 
 #include "NApplication.h"
 #include "NString.h"
@@ -21,12 +22,15 @@
 #include <QApplication>
 #include <QDialog>
 #include <QHBoxLayout>
+#include <QImage>
+#include <QImageWriter>
 #include <QLabel>
+#include <QLayout>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
-#include <QScreen>
+#include <QSaveFile>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWidget>
@@ -92,6 +96,48 @@ QPixmap banner() {
     painter.drawText(QRect(10, 10, 200, 40), Qt::AlignLeft, QStringLiteral("left edge"));
     painter.drawText(QRect(510, 10, 200, 40), Qt::AlignRight, QStringLiteral("right edge"));
     return pixmap;
+}
+
+// The main window as it shows, with the dialog painted where it stands over it. Both are
+// rendered from the widgets themselves rather than read back from the screen: a platform
+// without a screen to read (offscreen) has nothing to give, and on a desktop another
+// application's window could be in the way. Frames drawn by a window manager are left out.
+QImage picture(QWidget& main, QWidget& dialog) {
+    for (QWidget* widget : {&main, &dialog}) {
+        // A layout request still queued would otherwise be rendered with the old geometry.
+        if (QLayout* layout = widget->layout()) {
+            layout->activate();
+        }
+    }
+    QImage image = main.grab().toImage();
+    if (!image.isNull() && dialog.isVisible()) {
+        QPainter painter(&image);
+        painter.drawPixmap(main.mapFromGlobal(dialog.mapToGlobal(QPoint(0, 0))), dialog.grab());
+    }
+    return image;
+}
+
+// Writes the picture as a whole or not at all; on failure `reason` says what went wrong.
+bool save(const QImage& image, const QString& path, QString& reason) {
+    if (image.isNull()) {
+        reason = QStringLiteral("the window could not be rendered");
+        return false;
+    }
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        reason = file.errorString();
+        return false;
+    }
+    QImageWriter writer(&file, "png");
+    if (!writer.write(image)) {
+        reason = writer.errorString();
+        return false;
+    }
+    if (!file.commit()) {
+        reason = file.errorString();
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -199,20 +245,14 @@ int main(int argc, char** argv) {
 
     if (options.quitAfter >= 0) {
         QTimer::singleShot(options.quitAfter, &application, [&] {
-            if (!options.screenshot.isEmpty()) {
-                // What the screen shows where the main window is, the dialog over it included.
-                QScreen* screen = main.screen();
-                const QRect area = main.frameGeometry();
-                const QPixmap shot =
-                    screen != nullptr
-                        ? screen->grabWindow(0, area.x(), area.y(), area.width(), area.height())
-                        : main.grab();
-                if (!shot.save(options.screenshot, "PNG")) {
-                    std::fprintf(stderr, "desktop_helpers_example: cannot write %s\n",
-                                 options.screenshot.toLocal8Bit().constData());
-                    application.exit(1);
-                    return;
-                }
+            QString reason;
+            if (!options.screenshot.isEmpty() &&
+                !save(picture(main, dialog), options.screenshot, reason)) {
+                std::fprintf(stderr, "desktop_helpers_example: cannot write %s: %s\n",
+                             options.screenshot.toLocal8Bit().constData(),
+                             reason.toLocal8Bit().constData());
+                application.exit(1);
+                return;
             }
             application.quit();
         });
