@@ -338,3 +338,48 @@ bool PRuntimeCloud::device_process_application_find(const NString& name,
 const NString& PRuntimeCloud::version() const {
     return m_version;
 }
+
+void PRuntimeCloud::application_hash_traverse(
+    const std::function<void(const PRuntimeCloudApplicationHash&)>& visit) const {
+    pallix::operation([&] {
+        for (const PRuntimeCloudApplicationHash& entry : m_applicationHash) {
+            visit(entry);
+        }
+    });
+}
+
+void PRuntimeCloud::device_plugins_traverse(
+    const std::function<void(const NString&, const PRuntimeCloudDevicePluginsItem&)>& visit) const {
+    pallix::operation([&] {
+        for (const auto& [version, item] : m_developerPlugins) {
+            visit(version, item);
+        }
+    });
+}
+
+void PRuntimeCloud::device_plugins_rvq_traverse(
+    const std::function<void(const NString&, const PRuntimeCloudDevicePluginsItem&)>& visit) const {
+    pallix::operation([&] {
+        for (const auto& [version, item] : m_developerPluginsRvq) {
+            visit(version, item);
+        }
+    });
+}
+
+void PRuntimeCloud::device_process_plugins_traverse(
+    const std::function<void(const PRuntimeCloudDeviceProcessItem&)>& visit) const {
+    pallix::operation([&] {
+        for (const PRuntimeCloudDeviceProcessItem& rule : m_processPlugins) {
+            visit(rule);
+        }
+    });
+}
+
+void PRuntimeCloud::device_process_application_traverse(
+    const std::function<void(const PRuntimeCloudDeviceProcessItem&)>& visit) const {
+    pallix::operation([&] {
+        for (const PRuntimeCloudDeviceProcessItem& rule : m_processApplications) {
+            visit(rule);
+        }
+    });
+}

@@ -74,6 +74,22 @@ public:
     // Nothing assigns it: it stays empty.
     virtual const NString& version() const;
 
+    // Beyond the virtual operations: everything the document gave, for a caller that shows it
+    // whole. The reference entries and the rules in document order, the plug-in packages by
+    // version (the entry that the find operations answer with).
+    void application_hash_traverse(
+        const std::function<void(const PRuntimeCloudApplicationHash&)>& visit) const;
+    void device_plugins_traverse(
+        const std::function<void(const NString&, const PRuntimeCloudDevicePluginsItem&)>& visit)
+        const;
+    void device_plugins_rvq_traverse(
+        const std::function<void(const NString&, const PRuntimeCloudDevicePluginsItem&)>& visit)
+        const;
+    void device_process_plugins_traverse(
+        const std::function<void(const PRuntimeCloudDeviceProcessItem&)>& visit) const;
+    void device_process_application_traverse(
+        const std::function<void(const PRuntimeCloudDeviceProcessItem&)>& visit) const;
+
     PRuntimeCloud(const PRuntimeCloud&) = delete;
     PRuntimeCloud& operator=(const PRuntimeCloud&) = delete;
 

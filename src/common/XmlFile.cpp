@@ -1,6 +1,7 @@
 #include "XmlFile.h"
 
 #include "NFileSystem.h"
+#include "WriteOutcome.h"
 
 #include <sstream>
 
@@ -18,7 +19,10 @@ pugi::xml_parse_result XmlFile::load(pugi::xml_document& document, const NString
 bool XmlFile::save(const pugi::xml_document& document, const NString& path) {
     std::ostringstream text;
     document.save(text, "\t", pugi::format_indent, pugi::encoding_utf8);
-    return NFileSystem::file::fromBytes(NFileSystem::path(path), NByteArray(text.str()));
+    const bool written =
+        NFileSystem::file::fromBytes(NFileSystem::path(path), NByteArray(text.str()));
+    recordWrite(written);
+    return written;
 }
 
 bool XmlFile::replaceOrRemove(const pugi::xml_document& document, const NString& path) {

@@ -90,6 +90,14 @@ public:
     virtual NString localNormal();
     virtual NString localNormalBottomBackup();
 
+    // Beyond the virtual operations: every name that the status, tools and directory maps hold,
+    // in name order, for a caller that shows the whole configuration. A setting that was never
+    // stored is not among them even though getSettingStatus() answers for it.
+    void settingStatusTraverse(const std::function<void(const NString&, bool)>& visit) const;
+    void toolsHotTraverse(const std::function<void(const NString&, bool)>& visit) const;
+    void
+    configDirectoryTraverse(const std::function<void(const NString&, const NString&)>& visit) const;
+
     PRuntimeConfig(const PRuntimeConfig&) = delete;
     PRuntimeConfig& operator=(const PRuntimeConfig&) = delete;
 };

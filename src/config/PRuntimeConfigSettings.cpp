@@ -149,3 +149,30 @@ bool PRuntimeConfig::getAutoImportRingtone() const {
         return found != autoImport.end() ? found->second : true;
     });
 }
+
+void PRuntimeConfig::settingStatusTraverse(
+    const std::function<void(const NString&, bool)>& visit) const {
+    pallix::operation([&] {
+        for (const auto& [name, status] : _globalFrameworkConfig.status) {
+            visit(name, status);
+        }
+    });
+}
+
+void PRuntimeConfig::toolsHotTraverse(
+    const std::function<void(const NString&, bool)>& visit) const {
+    pallix::operation([&] {
+        for (const auto& [tool, hot] : _globalFrameworkConfig.tools) {
+            visit(tool, hot);
+        }
+    });
+}
+
+void PRuntimeConfig::configDirectoryTraverse(
+    const std::function<void(const NString&, const NString&)>& visit) const {
+    pallix::operation([&] {
+        for (const auto& [name, path] : _globalFrameworkConfig.directory) {
+            visit(name, path);
+        }
+    });
+}

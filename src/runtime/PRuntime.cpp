@@ -1,5 +1,7 @@
 #include "PRuntime.h"
 
+#include "WriteOutcome.h"
+
 #include "PRuntimeAnimation.h"
 #include "PRuntimeCloud.h"
 #include "PRuntimeConfig.h"
@@ -60,6 +62,10 @@ PRuntime* PRuntime::getInstance() noexcept {
         _globalFrameworkRuntime = new (std::nothrow) PRuntime();
     }
     return _globalFrameworkRuntime;
+}
+
+bool PRuntime::lastWriteSucceeded() noexcept {
+    return pallix::lastWriteSucceeded();
 }
 
 void PRuntime::freeInstance() noexcept {

@@ -55,6 +55,11 @@ public:
 
     static PRuntime* _globalFrameworkRuntime;
 
+    // Whether the last file that the library wrote on the calling thread (a configuration
+    // setter's save, a store's write) reached the disk; true before the first write. The saving
+    // operations return nothing, so a caller that must know asks here right after.
+    static bool lastWriteSucceeded() noexcept;
+
 protected:
     PRuntime() noexcept;
 

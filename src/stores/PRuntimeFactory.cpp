@@ -4,6 +4,7 @@
 #include "NFileSystem.h"
 #include "NJsonObject.h"
 #include "Operation.h"
+#include "WriteOutcome.h"
 
 #include <cstdlib>
 #include <vector>
@@ -68,7 +69,8 @@ void PRuntimeFactory::_write() {
             document.append(NString::format("%016llX", id), values);
         }
         const NString text = document.toString();
-        NFileSystem::file::fromBytes(factoryPath(), NByteArray(text.toStdString()));
+        pallix::recordWrite(
+            NFileSystem::file::fromBytes(factoryPath(), NByteArray(text.toStdString())));
     });
 }
 

@@ -121,3 +121,19 @@ NString PRuntimeRestoreCustomFirmware::find(const NString& url) {
         return found->second;
     });
 }
+
+void PRuntimeRestoreCustomFirmware::traverse(
+    const std::function<void(const NString& url, const NString& local)>& visit) {
+    pallix::operation([&] {
+        _read();
+        // A copy, as in find(): the visitor may use the store, which rebuilds the table.
+        std::map<NString, NString> matches;
+        {
+            NMutexAuto guard(m_mutex);
+            matches = m_matches;
+        }
+        for (const auto& [url, local] : matches) {
+            visit(url, local);
+        }
+    });
+}

@@ -43,6 +43,10 @@ public:
     // The local path of `url`, or an empty text when it is not matched.
     virtual NString find(const NString& url);
 
+    // Beyond the virtual operations: calls `visit` with every match, by address, after reading
+    // the file again like every operation (entries whose local file has gone are left out).
+    void traverse(const std::function<void(const NString& url, const NString& local)>& visit);
+
     PRuntimeRestoreCustomFirmware(const PRuntimeRestoreCustomFirmware&) = delete;
     PRuntimeRestoreCustomFirmware& operator=(const PRuntimeRestoreCustomFirmware&) = delete;
 
