@@ -4,8 +4,12 @@
 #include "Operation.h"
 #include "XmlFile.h"
 
+#include "CloudFormat.h"
+#include "Conversions.h"
 #include <optional>
 #include <utility>
+
+namespace format = pallix::format::cloud;
 
 namespace {
 
@@ -53,7 +57,8 @@ template <typename Visit> void forEachElement(const pugi::xml_node& list, Visit 
 
 void readHashes(const pugi::xml_node& list, std::list<PRuntimeCloudApplicationHash>& into) {
     forEachElement(list, [&into](const pugi::xml_node& entry) {
-        into.emplace_back(text(entry, "Name"), text(entry, "MD5"), text(entry, "Url"));
+        into.emplace_back(text(entry, format::kName), text(entry, format::kDigest),
+                          text(entry, format::kAddress));
     });
 }
 
@@ -61,8 +66,9 @@ void readHashes(const pugi::xml_node& list, std::list<PRuntimeCloudApplicationHa
 void readPlugins(const pugi::xml_node& list,
                  std::map<NString, PRuntimeCloudDevicePluginsItem>& into) {
     forEachElement(list, [&into](const pugi::xml_node& entry) {
-        PRuntimeCloudDevicePluginsItem item(text(entry, "Version"), text(entry, "Url"),
-                                            text(entry, "Hash"));
+        PRuntimeCloudDevicePluginsItem item(text(entry, format::kVersion),
+                                            text(entry, format::kAddress),
+                                            text(entry, format::kHash));
         NString key = item.version();
         into.emplace(std::move(key), std::move(item));
     });
@@ -70,76 +76,75 @@ void readPlugins(const pugi::xml_node& list,
 
 void readRules(const pugi::xml_node& list, std::list<PRuntimeCloudDeviceProcessItem>& into) {
     forEachElement(list, [&into](const pugi::xml_node& entry) {
-        into.emplace_back(text(entry, "StartsWith"), text(entry, "Contains"),
-                          text(entry, "EndsWith"), text(entry, "Name"));
+        into.emplace_back(text(entry, format::kStartsWith), text(entry, format::kContains),
+                          text(entry, format::kEndsWith), text(entry, format::kName));
     });
 }
 
 void readApplication(const pugi::xml_node& application, Reading& reading) {
-    if (const pugi::xml_node advertisement = application.child("Advertisement")) {
-        if (const pugi::xml_node ios = advertisement.child("IosApplication")) {
-            reading.advertisementPopup = flag(ios, "AutoPopup");
-            reading.advertisementAutoInstall = flag(ios, "AutoInstall");
+    if (const pugi::xml_node advertisement = application.child(format::kAdvertisement)) {
+        if (const pugi::xml_node ios = advertisement.child(format::kIosApplication)) {
+            reading.advertisementPopup = flag(ios, format::kAutoPopup);
+            reading.advertisementAutoInstall = flag(ios, format::kAutoInstall);
         }
     }
-    if (const pugi::xml_node applet = application.child("Applet")) {
-        if (const pugi::xml_node guide = applet.child("VerifyGuide")) {
-            reading.verifyGuideStatus = flag(guide, "Status");
-            reading.verifyGuidePixmap = text(guide, "Pixmap");
+    if (const pugi::xml_node applet = application.child(format::kApplet)) {
+        if (const pugi::xml_node guide = applet.child(format::kVerifyGuide)) {
+            reading.verifyGuideStatus = flag(guide, format::kStatus);
+            reading.verifyGuidePixmap = text(guide, format::kPixmap);
         }
     }
-    if (const pugi::xml_node hashes = application.child("Hash")) {
+    if (const pugi::xml_node hashes = application.child(format::kHash)) {
         readHashes(hashes, reading.applicationHash);
     }
 }
 
 void readCooperate(const pugi::xml_node& cooperate, Reading& reading) {
-    const pugi::xml_node hsb = cooperate.child("HSB");
+    const pugi::xml_node hsb = cooperate.child(format::kHsb);
     if (!hsb) {
         return;
     }
-    if (const pugi::xml_node status = hsb.child("SellStatus")) {
-        reading.sellStatus = flag(status, "VALUE");
+    if (const pugi::xml_node status = hsb.child(format::kSellStatus)) {
+        reading.sellStatus = flag(status, format::kValue);
     }
-    if (const pugi::xml_node info = hsb.child("SellTextDeviceInfo")) {
-        reading.sellTextDeviceInfo = text(info, "VALUE");
+    if (const pugi::xml_node info = hsb.child(format::kSellTextDeviceInfo)) {
+        reading.sellTextDeviceInfo = text(info, format::kValue);
     }
-    if (const pugi::xml_node verify = hsb.child("SellTextDeviceVerify")) {
-        reading.sellTextDeviceVerify = text(verify, "VALUE");
+    if (const pugi::xml_node verify = hsb.child(format::kSellTextDeviceVerify)) {
+        reading.sellTextDeviceVerify = text(verify, format::kValue);
     }
-    if (const pugi::xml_node authorize = hsb.child("Authorize")) {
-        reading.authorizeAddress = text(authorize, "ServiceIP");
+    if (const pugi::xml_node authorize = hsb.child(format::kAuthorize)) {
+        reading.authorizeAddress = text(authorize, format::kServiceAddress);
         // A port is 16 bits wide; anything above keeps only its low bits.
-        reading.authorizePort =
-            static_cast<std::uint16_t>(authorize.attribute("ServicePort").as_uint(0));
+        reading.authorizePort = pallix::format::readPort(authorize.attribute(format::kServicePort));
     }
 }
 
 void readDevice(const pugi::xml_node& device, Reading& reading) {
-    if (const pugi::xml_node plugins = device.child("DeveloperPlugins")) {
+    if (const pugi::xml_node plugins = device.child(format::kDeveloperPlugins)) {
         readPlugins(plugins, reading.developerPlugins);
     }
-    if (const pugi::xml_node plugins = device.child("DeveloperPlugins_RVQ")) {
+    if (const pugi::xml_node plugins = device.child(format::kDeveloperPluginsRvq)) {
         readPlugins(plugins, reading.developerPluginsRvq);
     }
-    if (const pugi::xml_node drive = device.child("Drive")) {
-        if (const pugi::xml_node version = drive.child("Version")) {
-            reading.driveVersion = text(version, "VALUE");
+    if (const pugi::xml_node drive = device.child(format::kDrive)) {
+        if (const pugi::xml_node version = drive.child(format::kVersion)) {
+            reading.driveVersion = text(version, format::kValue);
         }
-        if (const pugi::xml_node itunes = drive.child("iTunes")) {
-            if (const pugi::xml_node x86 = itunes.child("X86")) {
-                reading.driveItunes32 = text(x86, "VALUE");
+        if (const pugi::xml_node itunes = drive.child(format::kItunes)) {
+            if (const pugi::xml_node x86 = itunes.child(format::kItunes32)) {
+                reading.driveItunes32 = text(x86, format::kValue);
             }
-            if (const pugi::xml_node x64 = itunes.child("X64")) {
-                reading.driveItunes64 = text(x64, "VALUE");
+            if (const pugi::xml_node x64 = itunes.child(format::kItunes64)) {
+                reading.driveItunes64 = text(x64, format::kValue);
             }
         }
     }
-    if (const pugi::xml_node manager = device.child("ProcessManager")) {
-        if (const pugi::xml_node plugins = manager.child("Plugins")) {
+    if (const pugi::xml_node manager = device.child(format::kProcessManager)) {
+        if (const pugi::xml_node plugins = manager.child(format::kPluginRules)) {
             readRules(plugins, reading.processPlugins);
         }
-        if (const pugi::xml_node process = manager.child("Process")) {
+        if (const pugi::xml_node process = manager.child(format::kApplicationRules)) {
             readRules(process, reading.processApplications);
         }
     }
@@ -211,17 +216,17 @@ bool PRuntimeCloud::format(const NString& path) {
         if (!pallix::XmlFile::load(document, path)) {
             return false;
         }
-        const pugi::xml_node root = document.child("Nevor");
+        const pugi::xml_node root = document.child(format::kRoot);
         if (!root) {
             return true;
         }
-        if (const pugi::xml_node application = root.child("Application")) {
+        if (const pugi::xml_node application = root.child(format::kApplication)) {
             readApplication(application, reading);
         }
-        if (const pugi::xml_node cooperate = root.child("Cooperate")) {
+        if (const pugi::xml_node cooperate = root.child(format::kCooperate)) {
             readCooperate(cooperate, reading);
         }
-        if (const pugi::xml_node device = root.child("Device")) {
+        if (const pugi::xml_node device = root.child(format::kDevice)) {
             readDevice(device, reading);
         }
 
@@ -265,23 +270,23 @@ NString PRuntimeCloud::applet_verify_guide_pixmap() const {
 }
 
 PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_cpid() const {
-    return findHash(m_applicationHash, "CPID");
+    return findHash(m_applicationHash, format::kReferenceCpid);
 }
 
 PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_crash_code() const {
-    return findHash(m_applicationHash, "CrashCode");
+    return findHash(m_applicationHash, format::kReferenceCrashCode);
 }
 
 PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_restore_code() const {
-    return findHash(m_applicationHash, "RestoreCode");
+    return findHash(m_applicationHash, format::kReferenceRestoreCode);
 }
 
 PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_restore_version() const {
-    return findHash(m_applicationHash, "RestoreVersion");
+    return findHash(m_applicationHash, format::kReferenceRestoreVersion);
 }
 
 PRuntimeCloudApplicationHash PRuntimeCloud::application_hash_developer_plugin_mapping() const {
-    return findHash(m_applicationHash, "DeveloperPluginMapping");
+    return findHash(m_applicationHash, format::kReferencePluginMapping);
 }
 
 bool PRuntimeCloud::cooperate_hsb_sell_status() const {

@@ -1,19 +1,22 @@
 #include "ConfigLocations.h"
 
+#include "FileNames.h"
 #include "NApplication.h"
 
 namespace pallix::config {
 
+namespace format = pallix::format;
+
 NString currentFilePath() {
-    return NApplication::DirectoryConfig() + "/configure.xml";
+    return NApplication::DirectoryConfig() + "/" + NString(format::kConfigurationFile);
 }
 
 NString legacyFilePath() {
-    return NApplication::DirectoryConfig() + "/Config.xml";
+    return NApplication::DirectoryConfig() + "/" + NString(format::kLegacyConfigurationFile);
 }
 
 NString versionFilePath() {
-    return NApplication::DirectoryResources() + "/UpdateCfg.xml";
+    return NApplication::DirectoryResources() + "/" + NString(format::kVersionFile);
 }
 
 } // namespace pallix::config

@@ -1,6 +1,7 @@
 #include "PRuntimeConfig.h"
 
 #include "ConfigLocations.h"
+#include "ConfigurationFormat.h"
 #include "NApple.h"
 #include "NFileSystem.h"
 #include "NSystem.h"
@@ -8,6 +9,8 @@
 #include "Operation.h"
 #include "RunningVersion.h"
 #include "_PALLIX_RUNTIME_CONFIG.h"
+
+namespace cfg = pallix::format::configuration;
 
 // Start-up, shutdown and what start-up finds out. The file formats, the settings, the lists
 // and the directories live in files of their own.
@@ -21,12 +24,12 @@ void PRuntimeConfig::initialize() {
         _PALLIX_RUNTIME_CONFIG& config = _globalFrameworkConfig;
         config.newInstall = true;
         config.newUpdate = false;
-        config.version = "5.0.0";
-        config.lastVersion = "5.0.0";
-        config.sameTimeDownloadNumber = 3;
+        config.version = cfg::kFallbackVersion;
+        config.lastVersion = cfg::kFallbackVersion;
+        config.sameTimeDownloadNumber = cfg::kDefaultSameTimeDownloadNumber;
         config.downloadMaxSpeed = 0;
         config.popupTimeADAPP = 0;
-        config.lastSkin = "236EE7";
+        config.lastSkin = cfg::kDefaultSkin;
         config.lastLanguage = EPALLIX_RUNTIME_LANGUAGE(0);
         config.restoreCore = EPALLIX_RUNTIME_RESTORE_CORE(0);
 
@@ -50,11 +53,12 @@ void PRuntimeConfig::initialize() {
         config.lastVersion = config.version;
         if (config.newUpdate) {
             // An update brings a new firmware table; keep the cache whatever was chosen before.
-            _set_setting_status("KeepFirmwareCache", true);
+            _set_setting_status(cfg::kSettingKeepFirmwareCache, true);
         }
 
-        NevorFrameworkConfigDirectoryDefault("Data", NSystem::userHome() + "/TolVaneData");
-        NevorFrameworkConfigDirectoryDefault("Backup", NApple::BackupDirectory());
+        NevorFrameworkConfigDirectoryDefault(
+            cfg::kDataDirectory, NSystem::userHome() + "/" + cfg::kDefaultDataDirectoryName);
+        NevorFrameworkConfigDirectoryDefault(cfg::kBackupDirectory, NApple::BackupDirectory());
     });
 }
 
@@ -63,7 +67,8 @@ void PRuntimeConfig::release() {
 }
 
 void PRuntimeConfig::check_disk() {
-    pallix::operation([&] { NFileSystem::directory::create(getConfigDirectory("Data"), 0755); });
+    pallix::operation(
+        [&] { NFileSystem::directory::create(getConfigDirectory(cfg::kDataDirectory), 0755); });
 }
 
 bool PRuntimeConfig::newInstall() {

@@ -1,6 +1,8 @@
 #include "PRuntimeConfig.h"
 
 #include "ConfigMaps.h"
+#include "ConfigurationFormat.h"
+#include "FileNames.h"
 #include "NFileSystem.h"
 #include "NormalisedPath.h"
 #include "Operation.h"
@@ -37,8 +39,10 @@ NString PRuntimeConfig::getConfigDirectory(const NString& name) {
 }
 
 NString PRuntimeConfig::localRoot() {
-    return pallix::operation(
-        [&] { return created(pallix::config::normalisedPath(getConfigDirectory("Data"))); });
+    return pallix::operation([&] {
+        return created(pallix::config::normalisedPath(
+            getConfigDirectory(pallix::format::configuration::kDataDirectory)));
+    });
 }
 
 // Firmware downloads and other downloads share one directory on purpose.
@@ -56,7 +60,9 @@ NString PRuntimeConfig::localDownload() {
 
 // A file inside the firmware cache; its directory is created by localFirmwareArchiver().
 NString PRuntimeConfig::localRestoreVersion() {
-    return pallix::operation([&] { return localFirmwareArchiver() + "/version.xml"; });
+    return pallix::operation([&] {
+        return localFirmwareArchiver() + "/" + NString(pallix::format::kFirmwareVersionFile);
+    });
 }
 
 NString PRuntimeConfig::localRingtoneSave() {

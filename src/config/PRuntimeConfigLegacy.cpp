@@ -3,6 +3,8 @@
 #include "ConfigLocations.h"
 #include "ConfigMaps.h"
 #include "ConfigXml.h"
+#include "ConfigurationFormat.h"
+#include "Conversions.h"
 #include "NApple.h"
 #include "Operation.h"
 #include "XmlFile.h"
@@ -13,47 +15,32 @@
 // behave differently on purpose: scalars overwrite, dictionaries keep what is already there,
 // lists append.
 
+namespace cfg = pallix::format::configuration;
+namespace legacy = pallix::format::configuration::legacy;
 using pallix::config::forEachChild;
 using pallix::config::insertIfAbsent;
 
 namespace {
 
-// A legacy flag under its current setting name.
-struct RenamedFlag {
-    const char* legacyName;
-    bool legacyDefault;
-    const char* settingName;
-};
+// The order in which the flags go into the setting flags, by their place in legacy::kSettings:
+// WindowCloseSelect, WindowCloseOperate, WindowAnimation, WiFiConnect, ITunesAutorun,
+// KeepFirmwareCache, RelationIpa, VerifySerialNumber, VerifyPaymentConfirm,
+// VerifyTimecardConfirm.
+constexpr std::size_t kInsertionOrder[] = {0, 1, 7, 2, 3, 4, 5, 6, 8, 9};
 
-// The legacy file's flags in the order they are read.
-constexpr RenamedFlag kRenamedFlags[] = {
-    {"SelectClose", false, "WindowCloseSelect"},  {"CloseButton", false, "WindowCloseOperate"},
-    {"WifiConnect", false, "WiFiConnect"},        {"ITunesState", true, "ITunesAutorun"},
-    {"SaveIpswCache", true, "KeepFirmwareCache"}, {"RelationIpa", false, "RelationIpa"},
-    {"VerifySerial", true, "VerifySerialNumber"}, {"WindowAnimation", false, "WindowAnimation"},
-    {"VerifyPro", false, "VerifyPaymentConfirm"}, {"NumberCard", false, "VerifyTimecardConfirm"},
-};
-
-// The order in which the flags go into the setting flags.
-constexpr const char* kInsertionOrder[] = {
-    "WindowCloseSelect",    "WindowCloseOperate",    "WindowAnimation", "WiFiConnect",
-    "ITunesAutorun",        "KeepFirmwareCache",     "RelationIpa",     "VerifySerialNumber",
-    "VerifyPaymentConfirm", "VerifyTimecardConfirm",
-};
-
-static_assert(sizeof kRenamedFlags / sizeof kRenamedFlags[0] ==
+static_assert(sizeof legacy::kSettings / sizeof legacy::kSettings[0] ==
               sizeof kInsertionOrder / sizeof kInsertionOrder[0]);
 
 pugi::xml_attribute valueOf(const pugi::xml_node& root, const char* element) {
-    return root.child(element).attribute("Value");
+    return root.child(element).attribute(legacy::kValue);
 }
 
 void appendPlaces(const pugi::xml_node& list, std::list<_PALLIX_RUNTIME_CONFIG_VL>& places) {
     forEachChild(list, [&places](const pugi::xml_node& item) {
         _PALLIX_RUNTIME_CONFIG_VL place;
-        place.X = item.attribute("X").as_double(0.0);
-        place.Y = item.attribute("Y").as_double(0.0);
-        place.Location = NString(item.attribute("Location").as_string(""));
+        place.X = item.attribute(cfg::kX).as_double(0.0);
+        place.Y = item.attribute(cfg::kY).as_double(0.0);
+        place.Location = NString(item.attribute(cfg::kLocation).as_string(""));
         places.push_back(place);
     });
 }
@@ -71,59 +58,64 @@ void PRuntimeConfig::load_old() {
         if (!pallix::XmlFile::load(document, path)) {
             return;
         }
-        const pugi::xml_node root = document.child("Config");
+        const pugi::xml_node root = document.child(legacy::kRoot);
         if (!root) {
             return;
         }
 
-        config.lastVersion = NString(valueOf(root, "LastVersion").as_string(""));
-        config.popupTimeADAPP = valueOf(root, "PopupTimeADAPP").as_ullong(0);
-        config.sameTimeDownloadNumber = valueOf(root, "SameTimeDownloadNumber").as_int(3);
-        config.downloadMaxSpeed = valueOf(root, "DownloadMaxSpeed").as_int(0);
-        config.lastSkin = NString(valueOf(root, "LastSkin").as_string(""));
-        config.restoreCore = EPALLIX_RUNTIME_RESTORE_CORE(valueOf(root, "RestoreCore").as_int(0));
+        config.lastVersion = NString(valueOf(root, cfg::kLastVersion).as_string(""));
+        config.popupTimeADAPP = pallix::format::readUInt64(valueOf(root, cfg::kPopupTimeADAPP), 0);
+        config.sameTimeDownloadNumber = pallix::format::readInt32(
+            valueOf(root, cfg::kSameTimeDownloadNumber), cfg::kDefaultSameTimeDownloadNumber);
+        config.downloadMaxSpeed =
+            pallix::format::readInt32(valueOf(root, cfg::kDownloadMaxSpeed), 0);
+        config.lastSkin = NString(valueOf(root, cfg::kLastSkin).as_string(""));
+        config.restoreCore = EPALLIX_RUNTIME_RESTORE_CORE(
+            pallix::format::readInt32(valueOf(root, cfg::kRestoreCore), 0));
 
         // All ten are read before any is stored; the setting flags keep a name they already hold.
         std::map<NString, bool> imported;
-        for (const RenamedFlag& flag : kRenamedFlags) {
-            imported.emplace(flag.settingName,
-                             valueOf(root, flag.legacyName).as_bool(flag.legacyDefault));
+        for (const legacy::RenamedSetting& flag : legacy::kSettings) {
+            imported.emplace(flag.name, valueOf(root, flag.legacyName).as_bool(flag.byDefault));
         }
-        for (const char* name : kInsertionOrder) {
+        for (const std::size_t index : kInsertionOrder) {
+            const char* name = legacy::kSettings[index].name;
             insertIfAbsent(config.status, NString(name), imported.at(name));
         }
 
-        forEachChild(root.child("Directory"), [&](const pugi::xml_node& item) {
-            insertIfAbsent(config.directory, NString(item.attribute("KEY").as_string("")),
-                           NString(item.attribute("VALUE").as_string("")));
+        forEachChild(root.child(cfg::kDirectory), [&](const pugi::xml_node& item) {
+            insertIfAbsent(config.directory, NString(item.attribute(legacy::kKey).as_string("")),
+                           NString(item.attribute(legacy::kKeyValue).as_string("")));
         });
-        insertIfAbsent(config.directory, NString("Data"),
-                       NString(valueOf(root, "UserDir").as_string("")));
-        insertIfAbsent(config.directory, NString("Backup"), NApple::BackupDirectory());
+        insertIfAbsent(config.directory, NString(cfg::kDataDirectory),
+                       NString(valueOf(root, cfg::kUserDir).as_string("")));
+        insertIfAbsent(config.directory, NString(cfg::kBackupDirectory), NApple::BackupDirectory());
 
-        forEachChild(root.child("Tools"), [&](const pugi::xml_node& item) {
-            insertIfAbsent(config.tools, NString(item.attribute("KEY").as_string("")),
-                           item.attribute("VALUE").as_bool(false));
+        forEachChild(root.child(cfg::kTools), [&](const pugi::xml_node& item) {
+            insertIfAbsent(config.tools, NString(item.attribute(legacy::kKey).as_string("")),
+                           item.attribute(legacy::kKeyValue).as_bool(false));
         });
 
         // Taken as they are: neither normalised nor checked for duplicates.
-        forEachChild(root.child("BackupList"), [&](const pugi::xml_node& item) {
-            config.customBackup.emplace_back(item.attribute("BackupCustom").as_string(""));
+        forEachChild(root.child(legacy::kBackupList), [&](const pugi::xml_node& item) {
+            config.customBackup.emplace_back(item.attribute(legacy::kBackupCustom).as_string(""));
         });
 
-        forEachChild(root.child("CollectionList"), [&](const pugi::xml_node& item) {
+        forEachChild(root.child(legacy::kCollectionList), [&](const pugi::xml_node& item) {
             _PALLIX_RUNTIME_CONFIG_FC favourite;
-            favourite.Path = NString(item.attribute("CollectionPath").as_string(""));
-            favourite.Root = item.attribute("CollectionRoot").as_bool(false);
+            favourite.Path = NString(item.attribute(legacy::kCollectionPath).as_string(""));
+            favourite.Root = item.attribute(legacy::kCollectionRoot).as_bool(false);
             config.fileFavorites.push_back(favourite);
         });
 
-        if (const pugi::xml_node autoImport = root.child("AutoImport")) {
-            insertIfAbsent(config.autoImport, NString("Ringtone"),
-                           autoImport.child("Ringtone").attribute("Value").as_bool(true));
+        if (const pugi::xml_node autoImport = root.child(cfg::kAutoImport)) {
+            insertIfAbsent(config.autoImport, NString(cfg::kRingtone),
+                           autoImport.child(cfg::kRingtone)
+                               .attribute(legacy::kValue)
+                               .as_bool(cfg::kDefaultAutoImportRingtone));
         }
 
-        appendPlaces(root.child("VirtualLocationList"), config.virtualLocation);
-        appendPlaces(root.child("LocationCollectList"), config.locationFavorites);
+        appendPlaces(root.child(legacy::kVirtualLocationList), config.virtualLocation);
+        appendPlaces(root.child(legacy::kLocationCollectList), config.locationFavorites);
     });
 }

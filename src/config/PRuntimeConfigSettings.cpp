@@ -1,8 +1,11 @@
 #include "PRuntimeConfig.h"
 
 #include "ConfigMaps.h"
+#include "ConfigurationFormat.h"
 #include "Operation.h"
 #include "_PALLIX_RUNTIME_CONFIG.h"
+
+namespace cfg = pallix::format::configuration;
 
 // Scalar preferences and the three families of named flags. Every public setter saves the
 // whole file once, through the virtual save(); no getter saves, although some getters record
@@ -62,7 +65,7 @@ void PRuntimeConfig::setLastSkin(const NString& skin) {
 NString PRuntimeConfig::getLastSkin() {
     return pallix::operation([&] {
         const NString& skin = _globalFrameworkConfig.lastSkin;
-        return skin.exist() ? skin : NString("236EE7");
+        return skin.exist() ? skin : NString(cfg::kDefaultSkin);
     });
 }
 
@@ -100,19 +103,9 @@ bool PRuntimeConfig::getSettingStatus(const NString& name) const {
         // The defaults of the settings the application knows; any other name defaults to false.
         static std::map<NString, bool> _staticSettingDefault;
         if (_staticSettingDefault.empty()) {
-            _staticSettingDefault.emplace("ApplicationAutorun", false);
-            _staticSettingDefault.emplace("WindowCloseSelect", false);
-            _staticSettingDefault.emplace("WindowCloseOperate", false);
-            _staticSettingDefault.emplace("WindowAnimation", false);
-            _staticSettingDefault.emplace("WiFiConnect", false);
-            _staticSettingDefault.emplace("ITunesAutorun", true);
-            _staticSettingDefault.emplace("KeepFirmwareCache", true);
-            _staticSettingDefault.emplace("RelationIpa", false);
-            _staticSettingDefault.emplace("VerifySerialNumber", true);
-            _staticSettingDefault.emplace("VerifyPaymentConfirm", false);
-            _staticSettingDefault.emplace("VerifyTimecardConfirm", false);
-            _staticSettingDefault.emplace("ToolsProcessSkipService", true);
-            _staticSettingDefault.emplace("RESTORE_FACTORY", false);
+            for (const cfg::KnownSetting& setting : cfg::kKnownSettings) {
+                _staticSettingDefault.emplace(setting.name, setting.byDefault);
+            }
         }
         bool defaultStatus = false;
         const auto found = _staticSettingDefault.find(name);
@@ -137,7 +130,7 @@ bool PRuntimeConfig::getToolsHot(const NString& tool) {
 
 void PRuntimeConfig::setAutoImportRingtone(bool on) {
     pallix::operation([&] {
-        replaceEntry(_globalFrameworkConfig.autoImport, NString("Ringtone"), on);
+        replaceEntry(_globalFrameworkConfig.autoImport, NString(cfg::kRingtone), on);
         save();
     });
 }
@@ -145,8 +138,8 @@ void PRuntimeConfig::setAutoImportRingtone(bool on) {
 bool PRuntimeConfig::getAutoImportRingtone() const {
     return pallix::operation([&] {
         const std::map<NString, bool>& autoImport = _globalFrameworkConfig.autoImport;
-        const auto found = autoImport.find(NString("Ringtone"));
-        return found != autoImport.end() ? found->second : true;
+        const auto found = autoImport.find(NString(cfg::kRingtone));
+        return found != autoImport.end() ? found->second : cfg::kDefaultAutoImportRingtone;
     });
 }
 

@@ -1,6 +1,7 @@
 #include "RunningVersion.h"
 
 #include "ConfigLocations.h"
+#include "ConfigurationFormat.h"
 #include "XmlFile.h"
 
 namespace pallix::config {
@@ -10,11 +11,12 @@ bool readRunningVersion(NString& version) {
     if (!XmlFile::load(document, versionFilePath())) {
         return false;
     }
-    const pugi::xml_node control = document.child("root").child("Control");
+    namespace format = pallix::format::configuration::version;
+    const pugi::xml_node control = document.child(format::kRoot).child(format::kControl);
     if (!control) {
         return false;
     }
-    version = NString(control.child("Version").attribute("VALUE").as_string(""));
+    version = NString(control.child(format::kVersion).attribute(format::kValue).as_string(""));
     return true;
 }
 

@@ -1,5 +1,7 @@
 #include "PRuntimeFactory.h"
 
+#include "Conversions.h"
+#include "FileNames.h"
 #include "NApplication.h"
 #include "NFileSystem.h"
 #include "NJsonObject.h"
@@ -12,13 +14,7 @@
 namespace {
 
 NString factoryPath() {
-    return NApplication::DirectoryConfig() + "/Factory.json";
-}
-
-// Member names are meant to be "%016llX", but the file may have been edited by hand: parse as
-// strtoull does (white space, sign and "0x" allowed, stops at the first non-digit, saturates).
-unsigned long long parseDeviceId(const NString& name) {
-    return std::strtoull(name.data(), nullptr, 16);
+    return NApplication::DirectoryConfig() + "/" + pallix::format::kFactoryFile;
 }
 
 } // namespace
@@ -37,7 +33,7 @@ void PRuntimeFactory::_read() {
         std::vector<NString> names;
         document.traverse([&names](const NString& name) { names.push_back(name); });
         for (const NString& name : names) {
-            const unsigned long long id = parseDeviceId(name);
+            const unsigned long long id = pallix::format::readDeviceId(name.data());
             const NJsonObject values = document.toObject(name);
             if (!values.exist()) {
                 continue;
@@ -66,7 +62,7 @@ void PRuntimeFactory::_write() {
             info.traverse([&values](const NString& key, const NByteArray& value) {
                 values.append(key, value);
             });
-            document.append(NString::format("%016llX", id), values);
+            document.append(NString(pallix::format::deviceIdText(id)), values);
         }
         const NString text = document.toString();
         pallix::recordWrite(

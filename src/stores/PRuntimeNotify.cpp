@@ -1,28 +1,29 @@
 #include "PRuntimeNotify.h"
 
+#include "FileNames.h"
 #include "NApplication.h"
 #include "NFileSystem.h"
 #include "Operation.h"
+#include "StoreFormats.h"
 #include "XmlFile.h"
 
 #include <utility>
 #include <vector>
 
+namespace format = pallix::format::notify;
+
 namespace {
 
-const char* const kFileName = "/notify.xml";
-const char* const kOldDirectoryName = "/Notify";
-
 NString filePath() {
-    return NApplication::DirectoryConfig() + kFileName;
+    return NApplication::DirectoryConfig() + "/" + pallix::format::kNotifyFile;
 }
 
 NString oldDirectoryPath() {
-    return NApplication::DirectoryConfig() + kOldDirectoryName;
+    return NApplication::DirectoryConfig() + "/" + pallix::format::kOldNotifyDirectory;
 }
 
 pugi::xml_attribute valueOf(const pugi::xml_node& parent, const char* element) {
-    return parent.child(element).attribute("VALUE");
+    return parent.child(element).attribute(format::kValue);
 }
 
 // One notification from the children of `parent`. Both layouts share the element names except
@@ -30,15 +31,15 @@ pugi::xml_attribute valueOf(const pugi::xml_node& parent, const char* element) {
 // field at its default.
 PRuntimeNotifyItem itemFrom(const pugi::xml_node& parent, const char* timeElement) {
     PRuntimeNotifyItem item;
-    item.setID(valueOf(parent, "ID").as_ullong());
-    item.setUserID(valueOf(parent, "UserID").as_ullong());
-    item.setTitle(NString(valueOf(parent, "Title").as_string()));
+    item.setID(valueOf(parent, format::kId).as_ullong());
+    item.setUserID(valueOf(parent, format::kUserId).as_ullong());
+    item.setTitle(NString(valueOf(parent, format::kTitle).as_string()));
     item.setTimestamp(valueOf(parent, timeElement).as_llong());
-    item.setURL(NString(valueOf(parent, "URL").as_string()));
-    item.setIsPopup(valueOf(parent, "Popup").as_bool());
-    item.setAlreadyRead(valueOf(parent, "Read").as_bool());
-    item.setAlreadyPopup(valueOf(parent, "AlreadyPopup").as_bool());
-    item.setRemove(valueOf(parent, "Remove").as_bool());
+    item.setURL(NString(valueOf(parent, format::kAddress).as_string()));
+    item.setIsPopup(valueOf(parent, format::kPopup).as_bool());
+    item.setAlreadyRead(valueOf(parent, format::kRead).as_bool());
+    item.setAlreadyPopup(valueOf(parent, format::kAlreadyPopup).as_bool());
+    item.setRemove(valueOf(parent, format::kRemove).as_bool());
     return item;
 }
 
@@ -50,7 +51,7 @@ void keepFirst(std::map<unsigned long long, PRuntimeNotifyItem>& items,
 
 template <typename Value>
 void appendValue(pugi::xml_node& parent, const char* element, Value value) {
-    parent.append_child(element).append_attribute("VALUE").set_value(value);
+    parent.append_child(element).append_attribute(format::kValue).set_value(value);
 }
 
 } // namespace
@@ -78,14 +79,15 @@ void PRuntimeNotify::_read_old() {
                 return true;
             }
             // Whatever the entry's extension, the notification is read from "<name>.xml".
-            const NString path = oldDirectory + "/" + entry.baseName() + ".xml";
+            const NString path =
+                oldDirectory + "/" + entry.baseName() + pallix::format::kOldNotifyExtension;
             pugi::xml_document document;
             if (!pallix::XmlFile::load(document, path)) {
                 return true;
             }
-            const pugi::xml_node root = document.child("ROOT");
+            const pugi::xml_node root = document.child(format::kOldRoot);
             if (root) {
-                keepFirst(m_items, itemFrom(root, "Time"));
+                keepFirst(m_items, itemFrom(root, format::kOldTimestamp));
             }
             return true;
         });
@@ -98,9 +100,9 @@ void PRuntimeNotify::_read() {
         if (!pallix::XmlFile::load(document, filePath())) {
             return;
         }
-        const pugi::xml_node list = document.child("Nevor").child("Notify");
+        const pugi::xml_node list = document.child(format::kRoot).child(format::kList);
         for (pugi::xml_node node = list.first_child(); node; node = node.next_sibling()) {
-            keepFirst(m_items, itemFrom(node, "Timestamp"));
+            keepFirst(m_items, itemFrom(node, format::kTimestamp));
         }
     });
 }
@@ -108,22 +110,22 @@ void PRuntimeNotify::_read() {
 void PRuntimeNotify::_write() const {
     pallix::operation([&] {
         pugi::xml_document document;
-        pugi::xml_node list = document.append_child("Nevor").append_child("Notify");
+        pugi::xml_node list = document.append_child(format::kRoot).append_child(format::kList);
         pallix::XmlFile::prependDeclaration(document, "utf-8", false);
         for (const auto& entry : m_items) {
             const PRuntimeNotifyItem& item = entry.second;
-            pugi::xml_node node = list.append_child("Item");
-            appendValue(node, "ID", item.id());
-            appendValue(node, "UserID", item.userID());
-            appendValue(node, "Title", item.title().data());
-            appendValue(node, "Timestamp", item.timestamp());
-            appendValue(node, "URL", item.url().data());
-            appendValue(node, "Read", item.isAlreadyRead());
-            appendValue(node, "Popup", item.isPopup());
+            pugi::xml_node node = list.append_child(format::kItem);
+            appendValue(node, format::kId, item.id());
+            appendValue(node, format::kUserId, item.userID());
+            appendValue(node, format::kTitle, item.title().data());
+            appendValue(node, format::kTimestamp, item.timestamp());
+            appendValue(node, format::kAddress, item.url().data());
+            appendValue(node, format::kRead, item.isAlreadyRead());
+            appendValue(node, format::kPopup, item.isPopup());
             // Deliberately from the read flag: the application treats a notification the user
             // has read as one that no longer needs to pop up. Readers take it as alreadyPopup.
-            appendValue(node, "AlreadyPopup", item.isAlreadyRead());
-            appendValue(node, "Remove", item.isRemove());
+            appendValue(node, format::kAlreadyPopup, item.isAlreadyRead());
+            appendValue(node, format::kRemove, item.isRemove());
         }
         // A failed save leaves the previous file; the next successful one catches up.
         pallix::XmlFile::save(document, filePath());

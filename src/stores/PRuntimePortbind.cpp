@@ -4,13 +4,17 @@
 #include "Operation.h"
 #include "XmlFile.h"
 
+#include "FileNames.h"
+#include "StoreFormats.h"
 #include <utility>
 #include <vector>
+
+namespace format = pallix::format::portbind;
 
 namespace {
 
 NString filePath() {
-    return NApplication::DirectoryConfig() + "/PortBind.xml";
+    return NApplication::DirectoryConfig() + "/" + pallix::format::kPortbindFile;
 }
 
 } // namespace
@@ -25,12 +29,12 @@ void PRuntimePortbind::_read() {
         if (!pallix::XmlFile::load(document, filePath())) {
             return;
         }
-        const pugi::xml_node list = document.child("Rilo").child("BIND");
+        const pugi::xml_node list = document.child(format::kRoot).child(format::kList);
         // The entries' own names play no part; empty texts from the file are taken as they
         // are, and the first binding of a source wins.
         for (pugi::xml_node node = list.first_child(); node; node = node.next_sibling()) {
-            m_bindings.emplace(NString(node.attribute("SOURCE").as_string()),
-                               NString(node.attribute("TARGET").as_string()));
+            m_bindings.emplace(NString(node.attribute(format::kSource).as_string()),
+                               NString(node.attribute(format::kTarget).as_string()));
         }
     });
 }
@@ -39,11 +43,11 @@ void PRuntimePortbind::_write() {
     pallix::operation([&] {
         pugi::xml_document document;
         pallix::XmlFile::prependDeclaration(document, "UTF-8", true);
-        pugi::xml_node list = document.append_child("Rilo").append_child("BIND");
+        pugi::xml_node list = document.append_child(format::kRoot).append_child(format::kList);
         for (const auto& binding : m_bindings) {
-            pugi::xml_node node = list.append_child("Item");
-            node.append_attribute("SOURCE").set_value(binding.first.data());
-            node.append_attribute("TARGET").set_value(binding.second.data());
+            pugi::xml_node node = list.append_child(format::kItem);
+            node.append_attribute(format::kSource).set_value(binding.first.data());
+            node.append_attribute(format::kTarget).set_value(binding.second.data());
         }
         pallix::XmlFile::replaceOrRemove(document, filePath());
     });

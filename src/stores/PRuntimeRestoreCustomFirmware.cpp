@@ -1,14 +1,18 @@
 #include "PRuntimeRestoreCustomFirmware.h"
 
+#include "FileNames.h"
 #include "NApplication.h"
 #include "NFileSystem.h"
 #include "Operation.h"
+#include "StoreFormats.h"
 #include "XmlFile.h"
+
+namespace format = pallix::format::custom_firmware;
 
 namespace {
 
 NString customFirmwarePath() {
-    return NApplication::DirectoryConfig() + "/RestoreIpsw.xml";
+    return NApplication::DirectoryConfig() + "/" + pallix::format::kCustomFirmwareFile;
 }
 
 } // namespace
@@ -29,13 +33,13 @@ void PRuntimeRestoreCustomFirmware::_read() {
         if (!pallix::XmlFile::load(document, customFirmwarePath())) {
             return;
         }
-        const pugi::xml_node container = document.child("Rilo").child("MATCH");
+        const pugi::xml_node container = document.child(format::kRoot).child(format::kList);
         if (!container) {
             return;
         }
         for (pugi::xml_node entry = container.first_child(); entry; entry = entry.next_sibling()) {
-            const NString url(entry.attribute("URL").as_string());
-            const NString local(entry.attribute("LOCAL").as_string());
+            const NString url(entry.attribute(format::kAddress).as_string());
+            const NString local(entry.attribute(format::kLocal).as_string());
             if (NFileSystem::path::exist(local)) {
                 // emplace keeps the entry already there: the first live match of a url wins.
                 m_matches.emplace(url, local);
@@ -49,11 +53,11 @@ void PRuntimeRestoreCustomFirmware::_write() {
         NMutexAuto guard(m_mutex);
         pugi::xml_document document;
         pallix::XmlFile::prependDeclaration(document, "UTF-8", true);
-        pugi::xml_node container = document.append_child("Rilo").append_child("MATCH");
+        pugi::xml_node container = document.append_child(format::kRoot).append_child(format::kList);
         for (const auto& [url, local] : m_matches) {
-            pugi::xml_node entry = container.append_child("MATCH");
-            entry.append_attribute("URL").set_value(url.data());
-            entry.append_attribute("LOCAL").set_value(local.data());
+            pugi::xml_node entry = container.append_child(format::kItem);
+            entry.append_attribute(format::kAddress).set_value(url.data());
+            entry.append_attribute(format::kLocal).set_value(local.data());
         }
         pallix::XmlFile::replaceOrRemove(document, customFirmwarePath());
     });

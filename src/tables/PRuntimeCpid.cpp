@@ -4,8 +4,12 @@
 #include "Operation.h"
 #include "XmlFile.h"
 
+#include "Conversions.h"
+#include "TableFormats.h"
 #include <new>
 #include <utility>
+
+namespace format = pallix::format::cpid;
 
 namespace {
 
@@ -29,14 +33,14 @@ NString normalisedMode(const char* mode) {
 // The earliest row of the pair, or else the earliest board "00" row of the chip.
 const PRuntimeInfoCpid* locate(const std::vector<PRuntimeInfoCpid>& rows,
                                const NDeviceInfoRecovery& device) {
-    const NString chip = NString::format("%04X", device.cpid());
-    const NString board = NString::format("%02X", device.bdid());
+    const NString chip(pallix::format::chipText(device.cpid()));
+    const NString board(pallix::format::boardText(device.bdid()));
     for (const PRuntimeInfoCpid& row : rows) {
         if (row.isMatch(chip, board)) {
             return &row;
         }
     }
-    const NString fallback = NString::format("%02X", 0u);
+    const NString fallback(pallix::format::boardText(pallix::format::kFallbackBoard));
     for (const PRuntimeInfoCpid& row : rows) {
         if (row.isMatch(chip, fallback)) {
             return &row;
@@ -61,17 +65,18 @@ bool PRuntimeCpid::format(const NString& path) {
         if (!pallix::XmlFile::load(document, path)) {
             return false;
         }
-        const pugi::xml_node root = document.child("DEVICE");
+        const pugi::xml_node root = document.child(format::kRoot);
         for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
             // Only elements are rows; text between them is not.
             if (item.type() != pugi::node_element) {
                 continue;
             }
-            const PRuntimeInfoCpid row(
-                item.attribute("CPID").as_string(), item.attribute("BDID").as_string(),
-                normalisedMode(item.attribute("MODE").as_string()),
-                item.attribute("NETWORK").as_string(), item.attribute("PRODUCT").as_string(),
-                item.attribute("SUPPORT").as_bool());
+            const PRuntimeInfoCpid row(item.attribute(format::kChip).as_string(),
+                                       item.attribute(format::kBoard).as_string(),
+                                       normalisedMode(item.attribute(format::kModel).as_string()),
+                                       item.attribute(format::kNetwork).as_string(),
+                                       item.attribute(format::kProduct).as_string(),
+                                       item.attribute(format::kSupport).as_bool());
             append(row);
         }
         return true;

@@ -4,7 +4,10 @@
 #include "Operation.h"
 #include "XmlFile.h"
 
+#include "TableFormats.h"
 #include <new>
+
+namespace format = pallix::format::crash;
 
 PRuntimeCrashCode::PRuntimeCrashCode() noexcept = default;
 
@@ -20,16 +23,16 @@ bool PRuntimeCrashCode::format(const NString& path) {
         if (!pallix::XmlFile::load(document, path)) {
             return false;
         }
-        const pugi::xml_node root = document.child("CRASH");
+        const pugi::xml_node root = document.child(format::kRoot);
         for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
             // Only elements are rows: stray text would otherwise become a row with an empty
             // key, which matches every query.
             if (item.type() != pugi::node_element) {
                 continue;
             }
-            const PRuntimeInfoCrash row(item.attribute("KEY").as_string(),
-                                        item.attribute("REASON").as_string(),
-                                        item.attribute("SOLUTION").as_string());
+            const PRuntimeInfoCrash row(item.attribute(format::kKey).as_string(),
+                                        item.attribute(format::kReason).as_string(),
+                                        item.attribute(format::kSolution).as_string());
             append(row);
         }
         return true;

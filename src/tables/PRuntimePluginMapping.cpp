@@ -4,8 +4,11 @@
 #include "Operation.h"
 #include "XmlFile.h"
 
+#include "TableFormats.h"
 #include <new>
 #include <utility>
+
+namespace format = pallix::format::plugin_mapping;
 
 PRuntimePluginMapping::PRuntimePluginMapping() noexcept = default;
 
@@ -21,13 +24,13 @@ bool PRuntimePluginMapping::format(const NString& path) {
         if (!pallix::XmlFile::load(document, path)) {
             return false;
         }
-        const pugi::xml_node root = document.child("Nevor");
+        const pugi::xml_node root = document.child(format::kRoot);
         for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
             if (item.type() != pugi::node_element) {
                 continue;
             }
-            const char* version = item.attribute("Version").as_string();
-            const char* mapping = item.attribute("Mapping").as_string();
+            const char* version = item.attribute(format::kVersion).as_string();
+            const char* mapping = item.attribute(format::kMapping).as_string();
             // A half-written entry would map a version to nothing; such entries are skipped.
             if (*version == '\0' || *mapping == '\0') {
                 continue;

@@ -4,7 +4,10 @@
 #include "Operation.h"
 #include "XmlFile.h"
 
+#include "TableFormats.h"
 #include <new>
+
+namespace format = pallix::format::restore_error;
 
 PRuntimeRestoreError::PRuntimeRestoreError() noexcept = default;
 
@@ -20,16 +23,16 @@ bool PRuntimeRestoreError::format(const NString& path) {
         if (!pallix::XmlFile::load(document, path)) {
             return false;
         }
-        const pugi::xml_node root = document.child("APPLE");
+        const pugi::xml_node root = document.child(format::kRoot);
         for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
             if (item.type() != pugi::node_element) {
                 continue;
             }
             // The parser's integer reading takes decimal, 0x hexadecimal and a leading minus;
             // anything it cannot read lands on code 0.
-            const PRuntimeInfoRestoreError row(item.attribute("CODE").as_llong(0),
-                                               item.attribute("DESCRIBE").as_string(),
-                                               item.attribute("SOLUTION").as_string());
+            const PRuntimeInfoRestoreError row(item.attribute(format::kCode).as_llong(0),
+                                               item.attribute(format::kDescription).as_string(),
+                                               item.attribute(format::kSolution).as_string());
             append(row);
         }
         return true;

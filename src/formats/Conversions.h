@@ -1,0 +1,45 @@
+#pragma once
+
+#include <pugixml.hpp>
+
+#include <cstdint>
+#include <string>
+
+// How the values of the files are converted, one function per conversion, used by the readers
+// and writers of the library and by whatever tells a user what they will read.
+namespace pallix::format {
+
+// ---- numbers as the readers take them
+// The XML reader's own conversions (pugixml's as_int and friends): optional blanks and sign,
+// decimal or 0x hexadecimal digits; a value beyond the type saturates at its limit.
+int readInt32(const pugi::xml_attribute& attribute, int fallback);
+unsigned long long readUInt64(const pugi::xml_attribute& attribute, unsigned long long fallback);
+long long readInt64(const pugi::xml_attribute& attribute, long long fallback);
+inline constexpr long long kInt32Min = INT32_MIN;
+inline constexpr long long kInt32Max = INT32_MAX;
+
+// The partner service port: 16 bits wide, so a larger number keeps only its low 16 bits (read as
+// an unsigned 32-bit number first, which saturates).
+std::uint16_t readPort(const pugi::xml_attribute& attribute);
+inline constexpr unsigned kPortMax = 65535;
+
+// ---- identifiers as text
+// A chip table names chips with four and boards with two upper-case hexadecimal digits (at
+// least; a wider number keeps all its digits), and a lookup compares that text exactly.
+std::string chipText(unsigned chip);
+std::string boardText(unsigned board);
+// The board of the row that a chip falls back to when its own board has none.
+inline constexpr unsigned kFallbackBoard = 0;
+
+// Factory.json names a device by its id in sixteen upper-case hexadecimal digits; a name edited
+// by hand is read back as strtoull(name, 16) reads it (blanks, sign and "0x" allowed, stops at
+// the first other character, saturates).
+std::string deviceIdText(unsigned long long id);
+unsigned long long readDeviceId(const char* name);
+
+// ---- bytes as text
+// Factory values are bytes written as base64 (standard alphabet, with padding). Whether a text
+// is such a value, that is, whether the store reads it back as the bytes it stands for.
+bool isBase64(const std::string& text);
+
+} // namespace pallix::format
