@@ -446,3 +446,77 @@ TEST(CloudQuery, EmptyCallbackOfAMatchingRuleThrowsBadFunctionCallToTheCaller) {
     EXPECT_FALSE(cloud.device_process_plugins_find("nothing", {}));
     EXPECT_FALSE(cloud.device_process_application_find("nothing", nullptr));
 }
+
+// The rules of kRules without their <Device> element, followed by its end tag, so that they can
+// join other device content.
+std::string rulesInsideDevice() {
+    const std::string rules(kRules);
+    return rules.substr(std::string("<Device>").size());
+}
+
+TEST(CloudQuery, TraversalsHandOutEverythingTheDocumentGave) {
+    TemporaryDirectory directory("pallix-cloud-traverse");
+    const std::string path = pallix::test::writeFile(directory, pallix::test::nevorDocument(
+                                                                    R"(<Application><Hash>
+                 <I Name="CrashCode" MD5="00112233445566778899aabbccddeeff" Url="https://a/c.xml"/>
+                 <I Name="CPID" MD5="ffeeddccbbaa99887766554433221100" Url="https://a/p.xml"/>
+                 <I Name="Unknown" MD5="" Url=""/>
+               </Hash></Application>
+               <Device>
+                 <DeveloperPlugins>
+                   <P Version="17.0" Url="https://a/17.zip" Hash="h17"/>
+                   <P Version="16.4" Url="https://a/16.zip" Hash="h16"/>
+                   <P Version="17.0" Url="https://a/17-again.zip" Hash="again"/>
+                 </DeveloperPlugins>
+                 <DeveloperPlugins_RVQ><P Version="9.9" Url="https://a/rvq.zip" Hash="r"/></DeveloperPlugins_RVQ>
+               )" + rulesInsideDevice()));
+    PRuntimeCloud cloud;
+    ASSERT_TRUE(cloud.format(NString(path)));
+
+    std::vector<std::string> hashes;
+    cloud.application_hash_traverse([&hashes](const PRuntimeCloudApplicationHash& entry) {
+        hashes.push_back(entry.name().toStdString() + " " + entry.url().toStdString());
+    });
+    EXPECT_EQ(hashes, (std::vector<std::string>{"CrashCode https://a/c.xml", "CPID https://a/p.xml",
+                                                "Unknown "}));
+
+    // By version; the first package of a version is the one the find operations answer with.
+    std::vector<std::string> plugins;
+    cloud.device_plugins_traverse(
+        [&plugins](const NString& version, const PRuntimeCloudDevicePluginsItem& item) {
+            plugins.push_back(version.toStdString() + " " + item.url().toStdString());
+        });
+    EXPECT_EQ(plugins,
+              (std::vector<std::string>{"16.4 https://a/16.zip", "17.0 https://a/17.zip"}));
+    EXPECT_EQ(cloud.device_plugins_find("17.0").url().toStdString(), "https://a/17.zip");
+
+    std::vector<std::string> rvq;
+    cloud.device_plugins_rvq_traverse(
+        [&rvq](const NString& version, const PRuntimeCloudDevicePluginsItem&) {
+            rvq.push_back(version.toStdString());
+        });
+    EXPECT_EQ(rvq, std::vector<std::string>{"9.9"});
+
+    Calls plugin;
+    cloud.device_process_plugins_traverse(plugin.callback());
+    EXPECT_EQ(plugin.names, (std::vector<std::string>{"AbcPlugin", "FirstAgent", "SecondAgent"}));
+    Calls application;
+    cloud.device_process_application_traverse(application.callback());
+    EXPECT_EQ(application.names,
+              (std::vector<std::string>{"SyncApplication", "ServiceApplication"}));
+}
+
+TEST(CloudQuery, TraversalsOfAnEmptyDocumentVisitNothing) {
+    const PRuntimeCloud cloud;
+    int visits = 0;
+    cloud.application_hash_traverse([&visits](const PRuntimeCloudApplicationHash&) { ++visits; });
+    cloud.device_plugins_traverse(
+        [&visits](const NString&, const PRuntimeCloudDevicePluginsItem&) { ++visits; });
+    cloud.device_plugins_rvq_traverse(
+        [&visits](const NString&, const PRuntimeCloudDevicePluginsItem&) { ++visits; });
+    cloud.device_process_plugins_traverse(
+        [&visits](const PRuntimeCloudDeviceProcessItem&) { ++visits; });
+    cloud.device_process_application_traverse(
+        [&visits](const PRuntimeCloudDeviceProcessItem&) { ++visits; });
+    EXPECT_EQ(visits, 0);
+}

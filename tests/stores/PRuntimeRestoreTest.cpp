@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
+#include <algorithm>
 #include <climits>
 #include <csignal>
 #include <cstdint>
@@ -731,4 +732,38 @@ TEST(RestoreOtherFirmware, TwoArgumentFormsGoThroughTheOneArgumentSlot) {
     other.answer = NString();
     EXPECT_FALSE(other.find(NString("anything"), path));
     EXPECT_EQ(other.calls, 3);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Every match at once
+
+TEST_F(RestoreStoreTest, TraverseHandsOutEveryMatchByAddressAndSkipsGoneFiles) {
+    const std::string first = firmware("a.ipsw");
+    const std::string second = firmware("b.ipsw");
+    writeIpswFile({{urlB, second}, {urlA, first}, {urlC, directory.file("gone.ipsw")}});
+    PRuntimeRestoreCustomFirmware store;
+    std::vector<Entry> seen;
+    store.traverse([&seen](const NString& url, const NString& local) {
+        seen.push_back({url.toStdString(), local.toStdString()});
+    });
+    // By address, as the store keeps them; the entry whose file has gone is not among them.
+    const std::vector<Entry> expected{{urlB, second}, {urlA, first}};
+    std::vector<Entry> sorted = expected;
+    std::sort(sorted.begin(), sorted.end(),
+              [](const Entry& a, const Entry& b) { return a.url < b.url; });
+    EXPECT_EQ(seen, sorted);
+}
+
+TEST_F(RestoreStoreTest, TraverseReadsTheFileAgainAndLetsTheVisitorUseTheStore) {
+    PRuntimeRestoreCustomFirmware store;
+    int visits = 0;
+    store.traverse([&visits](const NString&, const NString&) { ++visits; });
+    EXPECT_EQ(visits, 0);
+    const std::string local = firmware("a.ipsw");
+    writeIpswFile({{urlA, local}});
+    store.traverse([&](const NString& url, const NString&) {
+        ++visits;
+        EXPECT_EQ(store.find(url).toStdString(), local);
+    });
+    EXPECT_EQ(visits, 1);
 }

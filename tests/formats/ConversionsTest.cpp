@@ -1,0 +1,88 @@
+// The conversions of the file formats, shared by the library's readers and the pallix tool.
+
+#include "Conversions.h"
+#include "ConfigurationFormat.h"
+
+#include <gtest/gtest.h>
+#include <pugixml.hpp>
+
+#include <climits>
+#include <cstring>
+#include <string>
+
+namespace format = pallix::format;
+
+namespace {
+
+// The attribute "v" of a one-element document holding `value`.
+class Attribute {
+public:
+    explicit Attribute(const std::string& value) {
+        m_document.append_child("e").append_attribute("v").set_value(value.c_str());
+    }
+    pugi::xml_attribute get() const { return m_document.child("e").attribute("v"); }
+
+private:
+    pugi::xml_document m_document;
+};
+
+} // namespace
+
+TEST(FormatConversions, ThePortKeepsItsLowSixteenBits) {
+    EXPECT_EQ(format::readPort(Attribute("62078").get()), 62078);
+    EXPECT_EQ(format::readPort(Attribute("65535").get()), 65535);
+    EXPECT_EQ(format::readPort(Attribute("70000").get()), 4464);
+    EXPECT_EQ(format::readPort(Attribute("0x10001").get()), 1);
+    EXPECT_EQ(format::readPort(Attribute("port").get()), 0);
+    EXPECT_EQ(format::readPort(pugi::xml_attribute()), 0);
+}
+
+TEST(FormatConversions, ThirtyTwoBitReadsSaturate) {
+    EXPECT_EQ(format::readInt32(Attribute("5000000000").get(), 0), INT_MAX);
+    EXPECT_EQ(format::readInt32(Attribute("-5000000000").get(), 0), INT_MIN);
+    EXPECT_EQ(format::readInt32(Attribute(" 42").get(), 0), 42);
+    EXPECT_EQ(format::readInt32(pugi::xml_attribute(), 3), 3);
+    EXPECT_EQ(format::readUInt64(Attribute("18446744073709551615").get(), 0), ULLONG_MAX);
+    EXPECT_EQ(format::readInt64(Attribute("-1").get(), 0), -1);
+}
+
+TEST(FormatConversions, IdentifiersAreUpperCaseHexadecimalOfTheirWidth) {
+    EXPECT_EQ(format::chipText(0x8020), "8020");
+    EXPECT_EQ(format::chipText(0x10), "0010");
+    EXPECT_EQ(format::chipText(0x12345), "12345");
+    EXPECT_EQ(format::boardText(0xC), "0C");
+    EXPECT_EQ(format::boardText(format::kFallbackBoard), "00");
+    EXPECT_EQ(format::deviceIdText(0x1A2B), "0000000000001A2B");
+    EXPECT_EQ(format::deviceIdText(ULLONG_MAX), "FFFFFFFFFFFFFFFF");
+}
+
+TEST(FormatConversions, DeviceIdsAreReadAsStrtoullReadsThem) {
+    EXPECT_EQ(format::readDeviceId("0000000000001A2B"), 0x1A2Bu);
+    EXPECT_EQ(format::readDeviceId("1a2b"), 0x1A2Bu);
+    EXPECT_EQ(format::readDeviceId("0x1a2b"), 0x1A2Bu);
+    EXPECT_EQ(format::readDeviceId("12zz"), 0x12u);
+    EXPECT_EQ(format::readDeviceId("zz"), 0u);
+    EXPECT_EQ(format::readDeviceId("FFFFFFFFFFFFFFFFFF"), ULLONG_MAX);
+}
+
+TEST(FormatConversions, Base64NeedsWholeGroupsAndPaddingOnlyAtTheEnd) {
+    EXPECT_TRUE(format::isBase64(""));
+    EXPECT_TRUE(format::isBase64("RjJMWEswUUpIRzdG"));
+    EXPECT_TRUE(format::isBase64("YQ=="));
+    EXPECT_TRUE(format::isBase64("YWI="));
+    EXPECT_FALSE(format::isBase64("YQ"));
+    EXPECT_FALSE(format::isBase64("Y==="));
+    EXPECT_FALSE(format::isBase64("YQ==YQ=="));
+    EXPECT_FALSE(format::isBase64("YW-="));
+}
+
+TEST(FormatConfiguration, EveryLegacySettingIsAKnownSetting) {
+    for (const auto& legacy : format::configuration::legacy::kSettings) {
+        bool known = false;
+        for (const auto& setting : format::configuration::kKnownSettings) {
+            known = known || std::strcmp(setting.name, legacy.name) == 0;
+        }
+        EXPECT_TRUE(known) << legacy.name;
+    }
+    EXPECT_EQ(format::configuration::kKnownSettingCount, 13u);
+}
