@@ -197,6 +197,27 @@ void warnAboutTextEntries(SourceFile& file, const pugi::xml_node& list) {
     }
 }
 
+void warnAboutRepeatedElements(SourceFile& file, const pugi::xml_node& parent,
+                               std::initializer_list<const char*> names, const char* attribute) {
+    for (const char* name : names) {
+        const pugi::xml_node first = parent.child(name);
+        if (!first) {
+            continue;
+        }
+        const std::string read = attribute != nullptr
+                                     ? "the first one, whose " + std::string(attribute) + " is " +
+                                           inQuotes(first.attribute(attribute).value()) +
+                                           ", so this one is ignored"
+                                     : "the first one, so nothing in this one is read";
+        for (pugi::xml_node again = first.next_sibling(name); again;
+             again = again.next_sibling(name)) {
+            file.warning(file.offsetOf(again), inQuotes(name) + " appears again in " +
+                                                   inQuotes(parent.name()) +
+                                                   ": the library reads only " + read);
+        }
+    }
+}
+
 std::string inQuotes(const std::string& text) {
     return "\"" + text + "\"";
 }

@@ -2,6 +2,7 @@
 
 #include <pugixml.hpp>
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 
@@ -42,6 +43,11 @@ pugi::xml_node requireChild(SourceFile& file, const pugi::xml_node& parent, cons
 // The readers take every child node of a list element as an entry, text included: text in a
 // list is an entry with every field empty, worth a warning.
 void warnAboutTextEntries(SourceFile& file, const pugi::xml_node& list);
+
+// The library looks each of these elements up as the first child of that name: a later one is
+// never read. `attribute` names the value that a scalar element carries (null for a list).
+void warnAboutRepeatedElements(SourceFile& file, const pugi::xml_node& parent,
+                               std::initializer_list<const char*> names, const char* attribute);
 
 // Quoted for messages: "text".
 std::string inQuotes(const std::string& text);
