@@ -19,6 +19,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 using pallix::test::runTool;
@@ -563,6 +564,18 @@ std::vector<Agreement> agreements() {
              EXPECT_EQ(text(row->solution()), "Salt & pepper");
          }},
 
+        {"crash-text-between-rows.xml",
+         "",
+         1,
+         {{2, 3, "warning", "text inside \"CRASH\" is not read"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             const std::vector<PRuntimeInfoCrash> rows = crashRows(table);
+             ASSERT_EQ(rows.size(), 1u);
+             EXPECT_EQ(text(rows[0].key()), "Timeout");
+         }},
+
         // The restore error table.
         {"restore-bad-code.xml",
          "",
@@ -698,6 +711,21 @@ std::vector<Agreement> agreements() {
              place(path, directory.file("PortBind.xml"));
              PRuntimePortbind store;
              EXPECT_EQ(text(store.find(NString("a"))), "1");
+         }},
+        {"portbind-text-entry.xml",
+         "",
+         1,
+         {{3, 3, "warning", "text inside \"BIND\" is read as an entry with every field empty"}},
+         [](const std::string& path) {
+             ConfigDirectory directory;
+             place(path, directory.file("PortBind.xml"));
+             PRuntimePortbind store;
+             std::vector<std::pair<std::string, std::string>> bindings;
+             store.traverse([&bindings](const NString& source, const NString& target) {
+                 bindings.emplace_back(text(source), text(target));
+             });
+             EXPECT_EQ(bindings,
+                       (std::vector<std::pair<std::string, std::string>>{{"", ""}, {"a", "1"}}));
          }},
         {"ipsw-duplicate-url.xml",
          "",

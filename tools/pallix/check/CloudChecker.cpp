@@ -55,7 +55,7 @@ void checkReferenceFiles(SourceFile& file, const pugi::xml_node& root) {
     const pugi::xml_node hash = root.child("Application").child("Hash");
     std::map<std::string, std::size_t> names;
     if (hash) {
-        warnAboutTextEntries(file, hash);
+        warnAboutTextEntries(file, hash, kTextIsNotRead);
     }
     for (pugi::xml_node entry = hash.first_child(); entry; entry = entry.next_sibling()) {
         if (entry.type() != pugi::node_element) {
@@ -124,7 +124,7 @@ void checkPlugins(SourceFile& file, const pugi::xml_node& list) {
     if (!list) {
         return;
     }
-    warnAboutTextEntries(file, list);
+    warnAboutTextEntries(file, list, kTextIsNotRead);
     std::set<std::string> versions;
     for (pugi::xml_node item = list.first_child(); item; item = item.next_sibling()) {
         if (item.type() != pugi::node_element) {
@@ -158,7 +158,7 @@ void checkProcessRules(SourceFile& file, const pugi::xml_node& list) {
     if (!list) {
         return;
     }
-    warnAboutTextEntries(file, list);
+    warnAboutTextEntries(file, list, kTextIsNotRead);
     for (pugi::xml_node rule = list.first_child(); rule; rule = rule.next_sibling()) {
         if (rule.type() != pugi::node_element) {
             continue;

@@ -50,7 +50,7 @@ void checkKeyedItems(SourceFile& file, const pugi::xml_node& list, const char* k
     if (!list) {
         return;
     }
-    warnAboutTextEntries(file, list);
+    warnAboutTextEntries(file, list, kTextIsAnEmptyEntry);
     std::set<std::string> keys;
     for (pugi::xml_node item = list.first_child(); item; item = item.next_sibling()) {
         if (item.type() != pugi::node_element) {
@@ -76,7 +76,7 @@ void checkLocations(SourceFile& file, const pugi::xml_node& list) {
     if (!list) {
         return;
     }
-    warnAboutTextEntries(file, list);
+    warnAboutTextEntries(file, list, kTextIsAnEmptyEntry);
     for (pugi::xml_node item = list.first_child(); item; item = item.next_sibling()) {
         checkNumberAttribute(file, item, "X");
         checkNumberAttribute(file, item, "Y");

@@ -85,8 +85,15 @@ std::size_t SourceFile::offsetOf(const pugi::xml_node& node) const {
     if (offset < 0) {
         return 0;
     }
+    auto position = static_cast<std::size_t>(offset);
+    if (node.type() == pugi::node_pcdata) {
+        // Text starts with the blanks after the previous tag; a finding points at the words.
+        while (position < m_text.size() && isBlank(m_text[position])) {
+            ++position;
+        }
+        return position;
+    }
     // pugixml points after the '<' of an element; a finding points at the '<'.
-    const auto position = static_cast<std::size_t>(offset);
     return position > 0 && position <= m_text.size() && m_text[position - 1] == '<' ? position - 1
                                                                                     : position;
 }

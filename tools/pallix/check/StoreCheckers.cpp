@@ -40,7 +40,7 @@ bool isBase64(const std::string& text) {
 // Walks the entries of a store file: root element, container, one element per entry.
 template <typename EachEntry>
 void forEachEntry(SourceFile& file, const pugi::xml_document& document, const char* rootName,
-                  const char* containerName, EachEntry eachEntry) {
+                  const char* containerName, const char* textConsequence, EachEntry eachEntry) {
     const pugi::xml_node root = requireRoot(file, document, rootName);
     if (!root) {
         return;
@@ -51,7 +51,7 @@ void forEachEntry(SourceFile& file, const pugi::xml_document& document, const ch
                                             inQuotes(containerName) + "; the store reads nothing");
         return;
     }
-    warnAboutTextEntries(file, container);
+    warnAboutTextEntries(file, container, textConsequence);
     for (pugi::xml_node entry = container.first_child(); entry; entry = entry.next_sibling()) {
         if (entry.type() == pugi::node_element) {
             eachEntry(entry);
@@ -180,14 +180,15 @@ void warnAboutRepeatedNames(SourceFile& file, const std::vector<JsonName>& names
 
 void checkNotify(SourceFile& file, const pugi::xml_document& document) {
     std::set<unsigned long long> ids;
-    forEachEntry(file, document, "Nevor", "Notify", [&](const pugi::xml_node& item) {
-        checkNotification(file, item, "Timestamp");
-        const unsigned long long value = item.child("ID").attribute("VALUE").as_ullong();
-        if (!ids.insert(value).second) {
-            file.warning(file.offsetOf(item), "notification " + std::to_string(value) +
-                                                  " is listed again; only the first is kept");
-        }
-    });
+    forEachEntry(
+        file, document, "Nevor", "Notify", kTextIsAnEmptyEntry, [&](const pugi::xml_node& item) {
+            checkNotification(file, item, "Timestamp");
+            const unsigned long long value = item.child("ID").attribute("VALUE").as_ullong();
+            if (!ids.insert(value).second) {
+                file.warning(file.offsetOf(item), "notification " + std::to_string(value) +
+                                                      " is listed again; only the first is kept");
+            }
+        });
 }
 
 // One file of the old layout: a single notification under "ROOT".
@@ -200,43 +201,47 @@ void checkOldNotify(SourceFile& file, const pugi::xml_document& document) {
 
 void checkPortbind(SourceFile& file, const pugi::xml_document& document) {
     std::set<std::string> sources;
-    forEachEntry(file, document, "Rilo", "BIND", [&](const pugi::xml_node& item) {
-        const std::string source = item.attribute("SOURCE").value();
-        const std::string target = item.attribute("TARGET").value();
-        if (source.empty()) {
-            file.warning(file.offsetOf(item), "a binding without a SOURCE is never found");
-        } else if (!sources.insert(source).second) {
-            file.warning(file.offsetOf(item, "SOURCE"),
-                         "SOURCE " + inQuotes(source) +
-                             " is bound again; only the first binding is kept");
-        }
-        if (target.empty() && !source.empty()) {
-            file.warning(file.offsetOf(item), "SOURCE " + inQuotes(source) +
-                                                  " is bound to an empty TARGET, which reads "
-                                                  "like no binding at all");
-        }
-    });
+    forEachEntry(
+        file, document, "Rilo", "BIND", kTextIsAnEmptyEntry, [&](const pugi::xml_node& item) {
+            const std::string source = item.attribute("SOURCE").value();
+            const std::string target = item.attribute("TARGET").value();
+            if (source.empty()) {
+                file.warning(file.offsetOf(item), "a binding without a SOURCE is never found");
+            } else if (!sources.insert(source).second) {
+                file.warning(file.offsetOf(item, "SOURCE"),
+                             "SOURCE " + inQuotes(source) +
+                                 " is bound again; only the first binding is kept");
+            }
+            if (target.empty() && !source.empty()) {
+                file.warning(file.offsetOf(item), "SOURCE " + inQuotes(source) +
+                                                      " is bound to an empty TARGET, which reads "
+                                                      "like no binding at all");
+            }
+        });
 }
 
 void checkIpsw(SourceFile& file, const pugi::xml_document& document) {
     std::set<std::string> urls;
-    forEachEntry(file, document, "Rilo", "MATCH", [&](const pugi::xml_node& entry) {
-        const std::string url = entry.attribute("URL").value();
-        const std::string local = entry.attribute("LOCAL").value();
-        if (!urls.insert(url).second) {
-            file.warning(file.offsetOf(entry, "URL"),
-                         "URL " + inQuotes(url) +
-                             " is listed again; only the first entry whose "
-                             "file exists is kept");
-        }
-        // Whether the file exists is the user's machine's business, not the file's; an
-        // empty path can never exist.
-        if (local.empty()) {
-            file.warning(file.offsetOf(entry), "URL " + inQuotes(url) +
-                                                   " has no LOCAL file; the entry is dropped "
-                                                   "when the list is read");
-        }
-    });
+    forEachEntry(file, document, "Rilo", "MATCH",
+                 "is read as an entry without a LOCAL file, which is dropped",
+                 [&](const pugi::xml_node& entry) {
+                     const std::string url = entry.attribute("URL").value();
+                     const std::string local = entry.attribute("LOCAL").value();
+                     if (!urls.insert(url).second) {
+                         file.warning(file.offsetOf(entry, "URL"),
+                                      "URL " + inQuotes(url) +
+                                          " is listed again; only the first entry whose "
+                                          "file exists is kept");
+                     }
+                     // Whether the file exists is the user's machine's business, not the file's; an
+                     // empty path can never exist.
+                     if (local.empty()) {
+                         file.warning(file.offsetOf(entry),
+                                      "URL " + inQuotes(url) +
+                                          " has no LOCAL file; the entry is dropped "
+                                          "when the list is read");
+                     }
+                 });
 }
 
 void checkFactory(SourceFile& file) {

@@ -35,7 +35,8 @@ bool loadRoot(SourceFile& file, const pugi::xml_document& document, const char* 
     if (!root) {
         return false;
     }
-    warnAboutTextEntries(file, root);
+    // The tables take only elements as rows.
+    warnAboutTextEntries(file, root, kTextIsNotRead);
     return true;
 }
 

@@ -188,11 +188,15 @@ pugi::xml_node requireChild(SourceFile& file, const pugi::xml_node& parent, cons
     return child;
 }
 
-void warnAboutTextEntries(SourceFile& file, const pugi::xml_node& list) {
+const char* const kTextIsAnEmptyEntry = "is read as an entry with every field empty";
+const char* const kTextIsNotRead = "is not read";
+
+void warnAboutTextEntries(SourceFile& file, const pugi::xml_node& list,
+                          const std::string& consequence) {
     for (pugi::xml_node entry = list.first_child(); entry; entry = entry.next_sibling()) {
         if (entry.type() != pugi::node_element) {
-            file.warning(file.offsetOf(entry), "text inside " + inQuotes(list.name()) +
-                                                   " is read as an entry with every field empty");
+            file.warning(file.offsetOf(entry),
+                         "text inside " + inQuotes(list.name()) + " " + consequence);
         }
     }
 }
