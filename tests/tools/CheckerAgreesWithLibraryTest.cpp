@@ -521,7 +521,12 @@ std::vector<Agreement> agreements() {
          1,
          {{2, 20, "error", "ends KEY at it: KEY is read as \"Restore\""},
           {2, 44, "warning", "takes it as U+0007 in REASON"},
-          {2, 64, "warning", "takes it as bytes that are not UTF-8 in SOLUTION"}},
+          {2, 64, "warning", "takes it as bytes that are not UTF-8 in SOLUTION"},
+          {2, 83, "warning", "takes it as U+FFFE (not a character) in SOLUTION"},
+          {2, 91, "warning",
+           "\"&#4294967361;\" is not allowed in XML 1.0: the library's reader "
+           "takes it as U+0041 in SOLUTION"},
+          {2, 104, "warning", "takes it as U+001F in SOLUTION"}},
          [](const std::string& path) {
              PRuntimeCrashCode table;
              ASSERT_TRUE(table.format(NString(path)));
@@ -529,8 +534,11 @@ std::vector<Agreement> agreements() {
              ASSERT_EQ(rows.size(), 1u);
              EXPECT_EQ(text(rows[0].key()), "Restore");
              EXPECT_EQ(text(rows[0].reason()), "Bell\x07");
+             // The value as pugixml decodes it: a surrogate and U+FFFE as their three-byte forms,
+             // and a decimal reference beyond 32 bits wrapped around to "A".
              EXPECT_EQ(text(rows[0].solution()), "Try \xED\xA0\x80"
-                                                 "again A");
+                                                 "again A\xEF\xBF\xBE"
+                                                 "A\x1F");
          }},
         {"crash-missing-texts.xml",
          "",

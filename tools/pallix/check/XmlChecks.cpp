@@ -132,7 +132,7 @@ private:
         if ((wrapped >= 0xD800 && wrapped <= 0xDFFF) || wrapped > 0x10FFFF) {
             readAs = "bytes that are not UTF-8";
         } else if (wrapped == 0xFFFE || wrapped == 0xFFFF) {
-            readAs = codePoint(wrapped) + ", which is not a character";
+            readAs = codePoint(wrapped) + " (not a character)";
         } else {
             readAs = codePoint(wrapped);
         }
