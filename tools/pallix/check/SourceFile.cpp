@@ -56,23 +56,36 @@ void SourceFile::warning(std::size_t offset, const std::string& message) {
 }
 
 void SourceFile::report(std::size_t offset, Severity severity, const std::string& message) {
+    // The starts of the lines, found once: a large table can have a finding on every row.
+    if (m_lineStarts.empty()) {
+        m_lineStarts.push_back(0);
+        for (std::size_t i = 0; i < m_text.size(); ++i) {
+            if (m_text[i] == '\n') {
+                m_lineStarts.push_back(i + 1);
+            }
+        }
+    }
+    const std::size_t at = std::min(offset, m_text.size());
+    const auto line = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), at) - 1;
     Finding finding;
     finding.severity = severity;
     finding.message = message;
-    for (std::size_t i = 0; i < offset && i < m_text.size(); ++i) {
-        if (m_text[i] == '\n') {
-            ++finding.line;
-            finding.column = 1;
-        } else {
-            ++finding.column;
-        }
+    finding.line = static_cast<std::size_t>(line - m_lineStarts.begin()) + 1;
+    finding.column = at - *line + 1;
+    m_findings.push_back(std::move(finding));
+    m_sorted = false;
+}
+
+const std::vector<Finding>& SourceFile::findings() const {
+    if (!m_sorted) {
+        // Stable: findings at one position keep the order in which they were made.
+        std::stable_sort(m_findings.begin(), m_findings.end(),
+                         [](const Finding& a, const Finding& b) {
+                             return a.line != b.line ? a.line < b.line : a.column < b.column;
+                         });
+        m_sorted = true;
     }
-    // Kept in order as they come: after every finding at the same position or before it.
-    const auto at = std::upper_bound(
-        m_findings.begin(), m_findings.end(), finding, [](const Finding& a, const Finding& b) {
-            return a.line != b.line ? a.line < b.line : a.column < b.column;
-        });
-    m_findings.insert(at, std::move(finding));
+    return m_findings;
 }
 
 void SourceFile::malformed(std::size_t offset, const std::string& message) {

@@ -53,7 +53,7 @@ public:
 
     // Ordered by position (line, then column); findings at one position keep the order in
     // which they were made.
-    const std::vector<Finding>& findings() const { return m_findings; }
+    const std::vector<Finding>& findings() const;
     std::size_t count(Severity severity) const;
 
 private:
@@ -61,7 +61,11 @@ private:
     std::string m_text;
     std::string m_problem;
     bool m_wellFormed = true;
-    std::vector<Finding> m_findings;
+    std::vector<std::size_t> m_lineStarts;
+    // Sorted when asked for, not as each finding comes: a large table can have one on every
+    // row, and many come out of order.
+    mutable std::vector<Finding> m_findings;
+    mutable bool m_sorted = true;
 };
 
 // Parses the text as XML with the library's options. On failure it records the parser's
