@@ -938,3 +938,23 @@ TEST(CheckerAgreesWithLibrary, OldNotificationsHideTheCurrentFile) {
     EXPECT_TRUE(store.exist(9));   // from Notify/9.xml
     EXPECT_FALSE(store.exist(10)); // from Notify/10.txt
 }
+
+TEST(CheckerAgreesWithLibrary, StoreFileWithoutItsContainerIsNotRead) {
+    // The custom firmware list where the port bindings belong: "Rilo" without "BIND".
+    TemporaryDirectory directory("pallix-agree");
+    place(dataPath("ipsw-duplicate-url.xml"), directory.file("PortBind.xml"));
+    const auto result = runTool({"check", "--json", "--config-dir", directory.path()});
+    const Json report = Json::parse(result.output);
+    ASSERT_EQ(report.size(), 1u);
+    ASSERT_EQ(report[0].at("findings").size(), 1u);
+    EXPECT_NE(report[0]["findings"][0]["message"].get<std::string>().find(
+                  "\"Rilo\" has no element \"BIND\"; the store reads nothing"),
+              std::string::npos);
+
+    NApplication::setDirectoryConfig(NString(directory.path()));
+    PRuntimePortbind store;
+    int bindings = 0;
+    store.traverse([&bindings](const NString&, const NString&) { ++bindings; });
+    EXPECT_EQ(bindings, 0);
+    EXPECT_EQ(text(store.find(NString("https://example.invalid/a.ipsw"))), "");
+}
