@@ -22,9 +22,26 @@ const std::set<std::string>& knownSettings() {
     return names;
 }
 
+// A number of the file as the library reads it: pugixml's conversion of the reader's width,
+// which gives the reader's default for an empty value and clamps what does not fit.
+std::string readAs(const pugi::xml_attribute& attribute, IntegerWidth width, int fallback) {
+    switch (width) {
+    case IntegerWidth::Int32:
+        return std::to_string(attribute.as_int(fallback));
+    case IntegerWidth::Int64:
+        return std::to_string(attribute.as_llong(fallback));
+    case IntegerWidth::UInt64:
+        return std::to_string(attribute.as_ullong(static_cast<unsigned long long>(fallback)));
+    }
+    return std::string();
+}
+
 void checkScalar(SourceFile& file, const pugi::xml_node& parent, const char* element,
-                 const char* attribute, IntegerWidth width, const std::string& consequence) {
-    checkIntegerAttribute(file, parent.child(element), attribute, width, consequence);
+                 IntegerWidth width, int fallback, const std::string& consequence) {
+    const pugi::xml_node node = parent.child(element);
+    const pugi::xml_attribute value = node.attribute("Value");
+    checkIntegerAttribute(file, node, "Value", width,
+                          "it is read as " + readAs(value, width, fallback) + consequence);
 }
 
 // A list element whose items are keyed by `keyAttribute`: the first item of a key wins.
@@ -33,7 +50,7 @@ void checkKeyedItems(SourceFile& file, const pugi::xml_node& list, const char* k
     if (!list) {
         return;
     }
-    warnAboutTextEntries(file, list);
+    warnAboutTextEntries(file, list, kTextIsAnEmptyEntry);
     std::set<std::string> keys;
     for (pugi::xml_node item = list.first_child(); item; item = item.next_sibling()) {
         if (item.type() != pugi::node_element) {
@@ -45,7 +62,9 @@ void checkKeyedItems(SourceFile& file, const pugi::xml_node& list, const char* k
             file.warning(at, inQuotes(list.name()) + " lists " + inQuotes(key) +
                                  " again; only the first entry is kept");
         } else if (knownKeys != nullptr && !knownKeys->count(key)) {
-            file.warning(at, inQuotes(key) + " is not a setting that the application knows");
+            file.warning(at, inQuotes(key) + " is not a setting that the library knows: it has "
+                                             "no default of its own and is only carried along, "
+                                             "read and written back as it is");
         }
         if (booleanAttribute != nullptr) {
             checkBooleanAttribute(file, item, booleanAttribute);
@@ -57,7 +76,7 @@ void checkLocations(SourceFile& file, const pugi::xml_node& list) {
     if (!list) {
         return;
     }
-    warnAboutTextEntries(file, list);
+    warnAboutTextEntries(file, list, kTextIsAnEmptyEntry);
     for (pugi::xml_node item = list.first_child(); item; item = item.next_sibling()) {
         checkNumberAttribute(file, item, "X");
         checkNumberAttribute(file, item, "Y");
@@ -76,30 +95,32 @@ void warnAboutUnknownElements(SourceFile& file, const pugi::xml_node& root,
 
 } // namespace
 
-void checkConfig(SourceFile& file) {
-    pugi::xml_document document;
-    if (!parseXml(file, document)) {
-        return;
-    }
+void checkConfig(SourceFile& file, const pugi::xml_document& document) {
     const pugi::xml_node root = requireRoot(file, document, "Nevor");
     if (!root) {
         return;
     }
-    const std::string readAs32 = "it is read as a 32-bit number and does not survive a load";
-    checkScalar(file, root, "PopupTimeADAPP", "Value", IntegerWidth::UInt64,
-                "it does not survive a load");
-    checkScalar(file, root, "SameTimeDownloadNumber", "Value", IntegerWidth::Int32, readAs32);
-    checkScalar(file, root, "DownloadMaxSpeed", "Value", IntegerWidth::Int32, readAs32);
-    checkScalar(file, root, "LastLanguage", "Value", IntegerWidth::Int32,
-                "it does not survive a load");
-    checkScalar(file, root, "RestoreCore", "Value", IntegerWidth::Int32,
-                "it does not survive a load");
+    const std::string lost = ", so it does not survive a load";
+    checkScalar(file, root, "PopupTimeADAPP", IntegerWidth::UInt64, 0, lost);
+    checkScalar(file, root, "SameTimeDownloadNumber", IntegerWidth::Int32, 3, lost);
+    checkScalar(file, root, "DownloadMaxSpeed", IntegerWidth::Int32, 0, lost);
+    checkScalar(file, root, "LastLanguage", IntegerWidth::Int32, 0, lost);
+    checkScalar(file, root, "RestoreCore", IntegerWidth::Int32, 0, lost);
     const pugi::xml_node skin = root.child("LastSkin");
     const std::string skinText = skin.attribute("Value").value();
     if (skin && !(skinText.size() == 6 && isHexDigits(skinText, false))) {
         file.warning(file.offsetOf(skin, "Value"),
                      "LastSkin " + inQuotes(skinText) + " is not six hexadecimal digits");
     }
+    warnAboutRepeatedElements(file, root,
+                              {"LastVersion", "PopupTimeADAPP", "SameTimeDownloadNumber",
+                               "DownloadMaxSpeed", "LastSkin", "LastLanguage", "RestoreCore",
+                               "UserDir"},
+                              "Value");
+    warnAboutRepeatedElements(file, root,
+                              {"Status", "Directory", "Tools", "CustomBackup", "FileFavorites",
+                               "AutoImport", "VirtualLocation", "LocationFavorites"},
+                              nullptr);
     checkKeyedItems(file, root.child("Status"), "Name", "Status", &knownSettings());
     checkKeyedItems(file, root.child("Directory"), "Name", nullptr, nullptr);
     checkKeyedItems(file, root.child("Tools"), "Name", "Status", nullptr);
@@ -118,21 +139,16 @@ void checkConfig(SourceFile& file) {
                               "AutoImport", "VirtualLocation", "LocationFavorites", "UserDir"});
 }
 
-void checkLegacyConfig(SourceFile& file) {
-    pugi::xml_document document;
-    if (!parseXml(file, document)) {
-        return;
-    }
+void checkLegacyConfig(SourceFile& file, const pugi::xml_document& document) {
     const pugi::xml_node root = requireRoot(file, document, "Config");
     if (!root) {
         return;
     }
-    const std::string readAs32 = "it is read as a 32-bit number and is not imported as written";
-    checkScalar(file, root, "PopupTimeADAPP", "Value", IntegerWidth::UInt64,
-                "it is not imported as written");
-    checkScalar(file, root, "SameTimeDownloadNumber", "Value", IntegerWidth::Int32, readAs32);
-    checkScalar(file, root, "DownloadMaxSpeed", "Value", IntegerWidth::Int32, readAs32);
-    checkScalar(file, root, "RestoreCore", "Value", IntegerWidth::Int32, readAs32);
+    const std::string lost = ", so it is not imported as written";
+    checkScalar(file, root, "PopupTimeADAPP", IntegerWidth::UInt64, 0, lost);
+    checkScalar(file, root, "SameTimeDownloadNumber", IntegerWidth::Int32, 3, lost);
+    checkScalar(file, root, "DownloadMaxSpeed", IntegerWidth::Int32, 0, lost);
+    checkScalar(file, root, "RestoreCore", IntegerWidth::Int32, 0, lost);
     static const char* const flags[] = {
         "SelectClose", "CloseButton",  "WifiConnect",     "ITunesState", "SaveIpswCache",
         "RelationIpa", "VerifySerial", "WindowAnimation", "VerifyPro",   "NumberCard"};
@@ -148,6 +164,16 @@ void checkLegacyConfig(SourceFile& file) {
     }
     checkLocations(file, root.child("VirtualLocationList"));
     checkLocations(file, root.child("LocationCollectList"));
+    warnAboutRepeatedElements(
+        file, root,
+        {"LastVersion", "PopupTimeADAPP", "SameTimeDownloadNumber", "DownloadMaxSpeed", "LastSkin",
+         "RestoreCore", "SelectClose", "CloseButton", "WifiConnect", "ITunesState", "SaveIpswCache",
+         "RelationIpa", "VerifySerial", "WindowAnimation", "VerifyPro", "NumberCard", "UserDir"},
+        "Value");
+    warnAboutRepeatedElements(file, root,
+                              {"Directory", "Tools", "BackupList", "CollectionList", "AutoImport",
+                               "VirtualLocationList", "LocationCollectList"},
+                              nullptr);
     if (root.child("LastLanguage")) {
         file.warning(file.offsetOf(root.child("LastLanguage")),
                      "the language of the legacy file is not imported");
@@ -182,11 +208,7 @@ void checkLegacyConfig(SourceFile& file) {
 
 // The resources' version file: the running version decides whether the application was just
 // updated, so a file that yields no version makes every start look like an update.
-void checkVersion(SourceFile& file) {
-    pugi::xml_document document;
-    if (!parseXml(file, document)) {
-        return;
-    }
+void checkVersion(SourceFile& file, const pugi::xml_document& document) {
     const pugi::xml_node root = requireRoot(file, document, "root");
     if (!root) {
         return;

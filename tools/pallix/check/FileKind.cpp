@@ -44,8 +44,8 @@ std::optional<FileKind> detectNevorKind(const pugi::xml_node& root) {
 
 const std::vector<std::string>& fileKindNames() {
     static const std::vector<std::string> names = {
-        "cloud",         "cpid",   "crash",    "restore-error", "mapping", "config",
-        "legacy-config", "notify", "portbind", "factory",       "ipsw",    "version"};
+        "cloud",  "cpid",     "crash",   "restore-error", "mapping", "config",    "legacy-config",
+        "notify", "portbind", "factory", "ipsw",          "version", "old-notify"};
     return names;
 }
 
@@ -63,45 +63,53 @@ std::optional<FileKind> fileKindFromName(const std::string& name) {
     return std::nullopt;
 }
 
-std::optional<FileKind> detectFileKind(SourceFile& file) {
-    const std::string& text = file.text();
+bool looksLikeJson(const std::string& text) {
     const auto first = text.find_first_not_of(" \t\r\n");
-    if (first != std::string::npos && (text[first] == '{' || text[first] == '[')) {
-        return FileKind::Factory;
-    }
-    pugi::xml_document document;
-    if (!parseXml(file, document)) {
-        return std::nullopt;
-    }
+    return first != std::string::npos && (text[first] == '{' || text[first] == '[');
+}
+
+Detection detectXmlKind(SourceFile& file, const pugi::xml_document& document) {
     const pugi::xml_node root = document.document_element();
     const std::string name = root.name();
-    std::optional<FileKind> kind;
+    Detection detection;
     if (name == "DEVICE") {
-        kind = FileKind::Cpid;
+        detection.kind = FileKind::Cpid;
     } else if (name == "CRASH") {
-        kind = FileKind::Crash;
+        detection.kind = FileKind::Crash;
     } else if (name == "APPLE") {
-        kind = FileKind::RestoreError;
+        detection.kind = FileKind::RestoreError;
     } else if (name == "root") {
-        kind = FileKind::Version;
+        detection.kind = FileKind::Version;
     } else if (name == "Config") {
-        kind = FileKind::LegacyConfig;
+        detection.kind = FileKind::LegacyConfig;
+    } else if (name == "ROOT") {
+        detection.kind = FileKind::OldNotify;
     } else if (name == "Rilo") {
         if (root.child("BIND")) {
-            kind = FileKind::Portbind;
+            detection.kind = FileKind::Portbind;
         } else if (root.child("MATCH")) {
-            kind = FileKind::Ipsw;
+            detection.kind = FileKind::Ipsw;
+        } else {
+            detection.ambiguity = "cannot tell whether this is the port bindings or the custom "
+                                  "firmware list: its root \"Rilo\" has neither \"BIND\" nor "
+                                  "\"MATCH\"; name its kind with --kind";
         }
     } else if (name == "Nevor") {
-        kind = detectNevorKind(root);
+        detection.kind = detectNevorKind(root);
+        if (!detection.kind) {
+            detection.ambiguity = "cannot tell what kind of file this is: its root \"Nevor\" is "
+                                  "shared by the cloud document, the plug-in mapping, the "
+                                  "configuration and the notifications; name its kind with --kind";
+        }
+    } else {
+        // Every reader of the library looks for a root of its own and reads nothing without it.
+        detection.unknownRoot = true;
+        file.error(file.offsetOf(root),
+                   "the root element " + inQuotes(name) +
+                       " is none that the library reads: no table, document or store takes "
+                       "anything from this file; name its kind with --kind to check it as one");
     }
-    if (!kind) {
-        file.error(root ? file.offsetOf(root) : 0,
-                   root ? "cannot tell what kind of file this is from its root element " +
-                              inQuotes(name) + "; name it with --kind"
-                        : "the document has no root element");
-    }
-    return kind;
+    return detection;
 }
 
 } // namespace pallix::check

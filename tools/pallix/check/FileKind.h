@@ -1,5 +1,7 @@
 #pragma once
 
+#include <pugixml.hpp>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +24,7 @@ enum class FileKind {
     Factory,
     Ipsw,
     Version,
+    OldNotify,
 };
 
 // "cloud", "cpid", ... as the --kind option names them.
@@ -29,9 +32,21 @@ const std::vector<std::string>& fileKindNames();
 std::string nameOf(FileKind kind);
 std::optional<FileKind> fileKindFromName(const std::string& name);
 
-// Tells the kind from the content: JSON is factory information; XML by its root element (and,
-// for the shared root "Nevor", by its children). Records a finding and returns nothing when
-// the kind cannot be told.
-std::optional<FileKind> detectFileKind(SourceFile& file);
+// JSON (an object or an array at the top) is factory information; anything else is XML.
+bool looksLikeJson(const std::string& text);
+
+// What telling the kind of an XML file by its content found.
+struct Detection {
+    std::optional<FileKind> kind;
+    // Set when the root is one that no reader of the library takes: nothing in the file is
+    // read, whatever it is used as (a finding has been made).
+    bool unknownRoot = false;
+    // Set when the root is shared by several kinds and its children do not tell them apart.
+    std::string ambiguity;
+};
+
+// Tells the kind of a parsed XML file by its root element (and, for the shared roots, by the
+// root's children).
+Detection detectXmlKind(SourceFile& file, const pugi::xml_document& document);
 
 } // namespace pallix::check

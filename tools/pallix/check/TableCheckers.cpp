@@ -29,23 +29,32 @@ std::string folded(const std::string& text) {
     return NString(text).foldCase().toStdString();
 }
 
-bool loadRoot(SourceFile& file, pugi::xml_document& document, const char* rootName,
+bool loadRoot(SourceFile& file, const pugi::xml_document& document, const char* rootName,
               pugi::xml_node& root) {
-    if (!parseXml(file, document)) {
-        return false;
-    }
     root = requireRoot(file, document, rootName);
     if (!root) {
         return false;
     }
-    warnAboutTextEntries(file, root);
+    // The tables take only elements as rows.
+    warnAboutTextEntries(file, root, kTextIsNotRead);
     return true;
+}
+
+// A text that the interface shows for the row: missing or empty, the user sees nothing there.
+void warnAboutMissingText(SourceFile& file, const pugi::xml_node& row, const char* attribute,
+                          const std::string& rowName, const std::string& shownAs) {
+    const pugi::xml_attribute text = row.attribute(attribute);
+    if (*text.value() != '\0') {
+        return;
+    }
+    file.warning(text ? file.offsetOf(row, attribute) : file.offsetOf(row),
+                 rowName + " has " + (text ? "an empty " : "no ") + attribute + ": " + shownAs +
+                     " is shown as an empty text");
 }
 
 } // namespace
 
-void checkCpid(SourceFile& file) {
-    pugi::xml_document document;
+void checkCpid(SourceFile& file, const pugi::xml_document& document) {
     pugi::xml_node root;
     if (!loadRoot(file, document, "DEVICE", root)) {
         return;
@@ -76,6 +85,11 @@ void checkCpid(SourceFile& file) {
             findable = false;
         }
         checkBooleanAttribute(file, row, "SUPPORT");
+        const std::string rowName =
+            "the row of chip " + inQuotes(chip) + " board " + inQuotes(board);
+        warnAboutMissingText(file, row, "MODE", rowName, "the device's model name");
+        warnAboutMissingText(file, row, "PRODUCT", rowName, "the device's product type");
+        warnAboutMissingText(file, row, "NETWORK", rowName, "the device's network variant");
         if (!findable) {
             continue;
         }
@@ -97,8 +111,7 @@ void checkCpid(SourceFile& file) {
     }
 }
 
-void checkCrash(SourceFile& file) {
-    pugi::xml_document document;
+void checkCrash(SourceFile& file, const pugi::xml_document& document) {
     pugi::xml_node root;
     if (!loadRoot(file, document, "CRASH", root)) {
         return;
@@ -111,6 +124,10 @@ void checkCrash(SourceFile& file) {
         }
         const std::size_t at = file.offsetOf(row);
         const std::string key = row.attribute("KEY").value();
+        const std::string rowName = "the row of KEY " + inQuotes(key);
+        warnAboutMissingText(file, row, "REASON", rowName, "the reason of a failure it matches");
+        warnAboutMissingText(file, row, "SOLUTION", rowName,
+                             "the solution offered for a failure it matches");
         if (shadowedByEmpty) {
             file.warning(at, "this row is never found: an earlier row with an empty KEY "
                              "matches every text first");
@@ -133,8 +150,7 @@ void checkCrash(SourceFile& file) {
     }
 }
 
-void checkRestoreError(SourceFile& file) {
-    pugi::xml_document document;
+void checkRestoreError(SourceFile& file, const pugi::xml_document& document) {
     pugi::xml_node root;
     if (!loadRoot(file, document, "APPLE", root)) {
         return;
@@ -154,6 +170,9 @@ void checkRestoreError(SourceFile& file) {
                                       std::to_string(code.as_llong()));
         }
         const long long value = code.as_llong();
+        const std::string rowName = "the row of code " + std::to_string(value);
+        warnAboutMissingText(file, row, "DESCRIBE", rowName, "the description of the error");
+        warnAboutMissingText(file, row, "SOLUTION", rowName, "the solution offered for the error");
         if (!codes.insert(value).second) {
             file.warning(code ? file.offsetOf(row, "CODE") : at,
                          "code " + std::to_string(value) +
@@ -162,8 +181,7 @@ void checkRestoreError(SourceFile& file) {
     }
 }
 
-void checkMapping(SourceFile& file) {
-    pugi::xml_document document;
+void checkMapping(SourceFile& file, const pugi::xml_document& document) {
     pugi::xml_node root;
     if (!loadRoot(file, document, "Nevor", root)) {
         return;

@@ -188,11 +188,36 @@ pugi::xml_node requireChild(SourceFile& file, const pugi::xml_node& parent, cons
     return child;
 }
 
-void warnAboutTextEntries(SourceFile& file, const pugi::xml_node& list) {
+const char* const kTextIsAnEmptyEntry = "is read as an entry with every field empty";
+const char* const kTextIsNotRead = "is not read";
+
+void warnAboutTextEntries(SourceFile& file, const pugi::xml_node& list,
+                          const std::string& consequence) {
     for (pugi::xml_node entry = list.first_child(); entry; entry = entry.next_sibling()) {
         if (entry.type() != pugi::node_element) {
-            file.warning(file.offsetOf(entry), "text inside " + inQuotes(list.name()) +
-                                                   " is read as an entry with every field empty");
+            file.warning(file.offsetOf(entry),
+                         "text inside " + inQuotes(list.name()) + " " + consequence);
+        }
+    }
+}
+
+void warnAboutRepeatedElements(SourceFile& file, const pugi::xml_node& parent,
+                               std::initializer_list<const char*> names, const char* attribute) {
+    for (const char* name : names) {
+        const pugi::xml_node first = parent.child(name);
+        if (!first) {
+            continue;
+        }
+        const std::string read = attribute != nullptr
+                                     ? "the first one, whose " + std::string(attribute) + " is " +
+                                           inQuotes(first.attribute(attribute).value()) +
+                                           ", so this one is ignored"
+                                     : "the first one, so nothing in this one is read";
+        for (pugi::xml_node again = first.next_sibling(name); again;
+             again = again.next_sibling(name)) {
+            file.warning(file.offsetOf(again), inQuotes(name) + " appears again in " +
+                                                   inQuotes(parent.name()) +
+                                                   ": the library reads only " + read);
         }
     }
 }

@@ -2,6 +2,7 @@
 
 #include <pugixml.hpp>
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 
@@ -39,9 +40,21 @@ pugi::xml_node requireRoot(SourceFile& file, const pugi::xml_document& document,
 // The child element, or a finding (error) that it is missing.
 pugi::xml_node requireChild(SourceFile& file, const pugi::xml_node& parent, const char* name);
 
-// The readers take every child node of a list element as an entry, text included: text in a
-// list is an entry with every field empty, worth a warning.
-void warnAboutTextEntries(SourceFile& file, const pugi::xml_node& list);
+// Text among the entries of a list: some readers take every child node as an entry, text
+// included, others only elements. `consequence` says what the reader of this list does with
+// it ("is not read", "is read as an entry with every field empty").
+void warnAboutTextEntries(SourceFile& file, const pugi::xml_node& list,
+                          const std::string& consequence);
+
+// What the consequence is for the readers that take every child node.
+extern const char* const kTextIsAnEmptyEntry;
+// ... and for those that take only elements.
+extern const char* const kTextIsNotRead;
+
+// The library looks each of these elements up as the first child of that name: a later one is
+// never read. `attribute` names the value that a scalar element carries (null for a list).
+void warnAboutRepeatedElements(SourceFile& file, const pugi::xml_node& parent,
+                               std::initializer_list<const char*> names, const char* attribute);
 
 // Quoted for messages: "text".
 std::string inQuotes(const std::string& text);
