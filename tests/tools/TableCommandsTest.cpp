@@ -29,7 +29,7 @@ bool contains(const std::string& text, const std::string& part) {
 
 } // namespace
 
-TEST(ToolCpid, PrintsTheBoardSpecificRowOfChip8101) {
+TEST(ToolCpid, PrintsTheRowOfItsOwnBoardOfChip8101) {
     const ToolResult result = runTool({"cpid", sample("cpid.xml"), "0x8101", "0x0C"});
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_TRUE(contains(result.output, "CPID:    8101\n")) << result.output;
