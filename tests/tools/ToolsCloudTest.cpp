@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <string>
 
@@ -13,6 +14,7 @@ using pallix::test::runTool;
 using pallix::test::TemporaryDirectory;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using Json = nlohmann::json;
 
 namespace {
 
@@ -24,6 +26,10 @@ std::string writeDocument(const TemporaryDirectory& directory, const std::string
     TemporaryDirectory::write(path, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Nevor>\n" + body +
                                         "\n</Nevor>\n");
     return path;
+}
+
+Json parsed(const std::string& output) {
+    return Json::parse(output); // throws, and so fails the test, unless it is one document
 }
 
 } // namespace
@@ -75,9 +81,10 @@ TEST(ToolsCloud, OverviewShowsPluginsDriversAndRules) {
                 HasSubstr("  3. starts \"x\", contains \"y\", ends \"z\" -> AppC\n"));
 }
 
-TEST(ToolsCloud, OverviewOfAnEmptyDocumentShowsDefaults) {
+TEST(ToolsCloud, OverviewOfADocumentWithEmptySectionsShowsDefaults) {
     TemporaryDirectory directory;
-    const auto result = runTool({"cloud", writeDocument(directory, "")});
+    const auto result =
+        runTool({"cloud", writeDocument(directory, "<Application/><Cooperate/><Device/>")});
     ASSERT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("advertisement pop-up:       off\n"));
     EXPECT_THAT(result.output, HasSubstr("authorisation service:      (none) port 0\n"));
@@ -96,10 +103,12 @@ TEST(ToolsCloud, OverviewShowsWhatTheLibraryKeepsOfDuplicatesAndWidePorts) {
         </DeveloperPlugins></Device>)")});
     ASSERT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.output, HasSubstr("h port 4464\n"));
-    EXPECT_THAT(result.output, HasSubstr("Developer plug-ins (2)\n  1.0\n    digest:  a\n    "
-                                         "address: first\n"));
+    // The library keeps packages by version; the empty version sorts first.
+    EXPECT_THAT(result.output,
+                HasSubstr("Developer plug-ins (2)\n"
+                          "  (a package without a version; lookups never return it)\n"
+                          "  1.0\n    digest:  a\n    address: first\n"));
     EXPECT_THAT(result.output, Not(HasSubstr("second")));
-    EXPECT_THAT(result.output, HasSubstr("a package without a version"));
 }
 
 TEST(ToolsCloud, OverviewShowsPresentElementsWithoutAttributesAsDefaults) {
@@ -134,6 +143,18 @@ TEST(ToolsCloud, OverviewNamesEntriesNoQueryAsksFor) {
     EXPECT_THAT(result.output, HasSubstr("other entry (no name): no query asks for it\n"));
 }
 
+TEST(ToolsCloud, OverviewNamesLaterEntriesOfAQueriedName) {
+    TemporaryDirectory directory;
+    const auto result = runTool({"cloud", writeDocument(directory, R"(<Application><Hash>
+        <F Name="CPID" MD5="one" Url="u1"/><F Name="CPID" MD5="two" Url="u2"/>
+        </Hash></Application>)")});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("  CPID\n    digest:  one\n"));
+    EXPECT_THAT(result.output,
+                HasSubstr("  another \"CPID\" entry: the query answers with the first\n"));
+    EXPECT_THAT(result.output, Not(HasSubstr("two")));
+}
+
 TEST(ToolsCloud, NonAsciiAndEscapedTextIsPrintedDecoded) {
     TemporaryDirectory directory;
     const auto result = runTool({"cloud", writeDocument(directory, R"(<Cooperate><HSB>
@@ -163,19 +184,32 @@ TEST(ToolsCloud, HashQueryTakesTheFirstEntryOfAName) {
 
 TEST(ToolsCloud, HashQueryForAnAbsentEntryFindsNothing) {
     TemporaryDirectory directory;
-    const auto result =
-        runTool({"cloud", writeDocument(directory, ""), "--hash", "DeveloperPluginMapping"});
+    const auto result = runTool(
+        {"cloud", writeDocument(directory, "<Application/>"), "--hash", "DeveloperPluginMapping"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.output, "reference file DeveloperPluginMapping: not in the document\n");
+    EXPECT_EQ(result.errors,
+              "pallix: reference file DeveloperPluginMapping: not in the document\n");
+    EXPECT_TRUE(result.output.empty()) << result.output;
 }
 
-TEST(ToolsCloud, UnknownReferenceFileNameIsRefused) {
+TEST(ToolsCloud, UnknownReferenceFileNameIsRefusedWithASuggestion) {
     const auto result = runTool({"cloud", kSample, "--hash", "cpid"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.errors, HasSubstr("pallix: unknown reference file \"cpid\""));
-    EXPECT_THAT(result.errors, HasSubstr("CPID, CrashCode, RestoreCode, RestoreVersion, "
-                                         "DeveloperPluginMapping"));
+    EXPECT_EQ(result.errors, "pallix: --hash: unknown reference file 'cpid' (one of CPID, "
+                             "CrashCode, RestoreCode, RestoreVersion, DeveloperPluginMapping); "
+                             "did you mean 'CPID'?\n");
     EXPECT_TRUE(result.output.empty());
+    const auto typo = runTool({"cloud", kSample, "--hash", "DeveloperPlugin-Mapping"});
+    EXPECT_EQ(typo.status, 2);
+    EXPECT_THAT(typo.errors, HasSubstr("did you mean 'DeveloperPluginMapping'?"));
+}
+
+TEST(ToolsCloud, UnknownReferenceFileNameIsRefusedBeforeTheDocumentIsRead) {
+    TemporaryDirectory directory;
+    const auto result = runTool({"cloud", directory.file("absent.xml"), "--hash", "Firmware"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, HasSubstr("unknown reference file 'Firmware'"));
+    EXPECT_THAT(result.errors, Not(HasSubstr("did you mean")));
 }
 
 TEST(ToolsCloud, PluginQueryFindsTheVersion) {
@@ -187,13 +221,21 @@ TEST(ToolsCloud, PluginQueryFindsTheVersion) {
               "    address: https://cdn.pallix.example/plugins/developer-17.2.zip\n");
 }
 
-TEST(ToolsCloud, PluginQueryForAMissingOrEmptyVersionFindsNothing) {
+TEST(ToolsCloud, PluginQueryForAMissingVersionFindsNothing) {
     const auto missing = runTool({"cloud", kSample, "--plugin", "9.9"});
     EXPECT_EQ(missing.status, 1);
-    EXPECT_EQ(missing.output, "developer plug-in \"9.9\": not in the document\n");
-    const auto empty = runTool({"cloud", kSample, "--plugin", ""});
-    EXPECT_EQ(empty.status, 1);
-    EXPECT_EQ(empty.output, "developer plug-in \"\": not in the document\n");
+    EXPECT_EQ(missing.errors, "pallix: developer plug-in \"9.9\": not in the document\n");
+    EXPECT_TRUE(missing.output.empty()) << missing.output;
+}
+
+TEST(ToolsCloud, EmptyVersionIsRefusedAsTheLibraryNeverLooksItUp) {
+    for (const char* option : {"--plugin", "--plugin-rvq"}) {
+        const auto empty = runTool({"cloud", kSample, option, ""});
+        EXPECT_EQ(empty.status, 2) << option;
+        EXPECT_EQ(empty.errors, "pallix: " + std::string(option) +
+                                    ": the library never looks up an empty version\n");
+        EXPECT_TRUE(empty.output.empty()) << empty.output;
+    }
 }
 
 TEST(ToolsCloud, RvqQueryReadsOnlyTheRvqList) {
@@ -204,7 +246,7 @@ TEST(ToolsCloud, RvqQueryReadsOnlyTheRvqList) {
     // 16.4 is only in the plain list.
     const auto missing = runTool({"cloud", kSample, "--plugin-rvq", "16.4"});
     EXPECT_EQ(missing.status, 1);
-    EXPECT_EQ(missing.output, "developer plug-in (RVQ) \"16.4\": not in the document\n");
+    EXPECT_EQ(missing.errors, "pallix: developer plug-in (RVQ) \"16.4\": not in the document\n");
 }
 
 TEST(ToolsCloud, ProcessQueryNamesTheFirstApplicationRuleThatHolds) {
@@ -218,7 +260,7 @@ TEST(ToolsCloud, ProcessQueryConsultsOnlyApplicationRules) {
     // Held by a plug-in rule of the sample, not by an application rule.
     const auto result = runTool({"cloud", kSample, "--process", "DeviceAgentTool"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.output, "application process \"DeviceAgentTool\": no rule holds\n");
+    EXPECT_EQ(result.errors, "pallix: application process \"DeviceAgentTool\": no rule holds\n");
 }
 
 TEST(ToolsCloud, PluginProcessQueryConsultsOnlyPluginRules) {
@@ -228,7 +270,7 @@ TEST(ToolsCloud, PluginProcessQueryConsultsOnlyPluginRules) {
                             "\"Agent\", ends \"\" -> DeviceAgent\n");
     const auto missing = runTool({"cloud", kSample, "--plugin-process", "iTunesHelper.exe"});
     EXPECT_EQ(missing.status, 1);
-    EXPECT_EQ(missing.output, "plug-in process \"iTunesHelper.exe\": no rule holds\n");
+    EXPECT_EQ(missing.errors, "pallix: plug-in process \"iTunesHelper.exe\": no rule holds\n");
 }
 
 TEST(ToolsCloud, ProcessPatternsAreCaseSensitive) {
@@ -247,13 +289,22 @@ TEST(ToolsCloud, SeveralQueriesAreAnsweredInOneRun) {
     EXPECT_EQ(result.status, 1); // the RVQ list has no 1.0
     EXPECT_THAT(result.output, HasSubstr("reference file\n  CPID\n"));
     EXPECT_THAT(result.output, HasSubstr("developer plug-in\n  16.4\n"));
-    EXPECT_THAT(result.output, HasSubstr("developer plug-in (RVQ) \"1.0\": not in the document\n"));
+    EXPECT_EQ(result.errors, "pallix: developer plug-in (RVQ) \"1.0\": not in the document\n");
     EXPECT_THAT(result.output,
                 HasSubstr("application process \"SyncMobileDevice\": starts \"\", contains "
                           "\"MobileDevice\", ends \"\" -> MobileDeviceService\n"));
     EXPECT_THAT(result.output, HasSubstr("-> PallixHelper\n"));
     // Queries replace the overview.
     EXPECT_THAT(result.output, Not(HasSubstr("Switches")));
+}
+
+TEST(ToolsCloud, EmptyProcessNameIsAskedAsTheLibraryMatchesIt) {
+    TemporaryDirectory directory;
+    const std::string path = writeDocument(directory, R"(<Device><ProcessManager><Process>
+        <R Name="Everything"/></Process></ProcessManager></Device>)");
+    const auto result = runTool({"cloud", path, "--process", ""});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("-> Everything\n"));
 }
 
 TEST(ToolsCloud, MissingFileIsReported) {
@@ -273,6 +324,7 @@ TEST(ToolsCloud, MalformedFileIsReportedWithLineAndColumn) {
     const auto result = runTool({"cloud", path});
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.errors, HasSubstr("pallix: " + path + ":4:3: not well-formed XML"));
+    EXPECT_THAT(result.errors, HasSubstr("(run 'pallix check --kind cloud " + path + "')\n"));
     EXPECT_TRUE(result.output.empty());
 }
 
@@ -285,20 +337,196 @@ TEST(ToolsCloud, EmptyFileIsNotWellFormed) {
     EXPECT_THAT(result.errors, HasSubstr(path + ":1:1: not well-formed XML"));
 }
 
-TEST(ToolsCloud, DocumentWithoutNevorRootIsReported) {
-    TemporaryDirectory directory;
-    const std::string path = directory.file("table.xml");
-    TemporaryDirectory::write(path, "<?xml version=\"1.0\"?>\n<DEVICE><Application/></DEVICE>\n");
-    const auto result = runTool({"cloud", path, "--hash", "CPID"});
+TEST(ToolsCloud, PluginMappingTableIsNamedNotShownAsAnEmptyDocument) {
+    // Both roots are "Nevor": the library would read the table as a cloud document with
+    // nothing in it.
+    const std::string path = PALLIX_SAMPLES_DIR "/plugin-mapping.xml";
+    const auto result = runTool({"cloud", path});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.errors, "pallix: " + path +
-                                 ": not a cloud document: the root element is \"DEVICE\", "
-                                 "not \"Nevor\"\n");
-    EXPECT_TRUE(result.output.empty());
+    EXPECT_EQ(result.errors,
+              "pallix: " + path + " is a plug-in mapping table, not a cloud document\n");
+    EXPECT_TRUE(result.output.empty()) << result.output;
+}
+
+TEST(ToolsCloud, TablesAndStoresAreNamedByTheirKind) {
+    TemporaryDirectory directory;
+    const std::string notify = directory.file("notify.xml");
+    TemporaryDirectory::write(notify, "<Nevor><Notify/></Nevor>");
+    const std::string factory = directory.file("Factory.json");
+    TemporaryDirectory::write(factory, "{}");
+    const std::pair<std::string, std::string> files[] = {
+        {PALLIX_SAMPLES_DIR "/cpid.xml", "a chip table"},
+        {PALLIX_SAMPLES_DIR "/crash.xml", "a crash code table"},
+        {PALLIX_SAMPLES_DIR "/restore-error.xml", "a restore error table"},
+        {notify, "a notification store"},
+        {factory, "a factory information store"}};
+    for (const auto& [path, kind] : files) {
+        const auto result = runTool({"cloud", path, "--hash", "CPID"});
+        EXPECT_EQ(result.status, 2) << path;
+        EXPECT_EQ(result.errors, "pallix: " + path + " is " + kind + ", not a cloud document\n");
+        EXPECT_TRUE(result.output.empty()) << result.output;
+    }
+}
+
+TEST(ToolsCloud, DocumentOfAnUnknownKindIsRefused) {
+    TemporaryDirectory directory;
+    for (const char* text : {"<Foo><Application/></Foo>", "<Nevor/>"}) {
+        const std::string path = directory.file("unknown.xml");
+        TemporaryDirectory::write(path, text);
+        const auto result = runTool({"cloud", path});
+        EXPECT_EQ(result.status, 2) << text;
+        EXPECT_THAT(result.errors, HasSubstr("pallix: " + path + ":1:1: cannot tell what kind"));
+        EXPECT_THAT(result.errors, HasSubstr("(run 'pallix check --kind cloud " + path + "')"));
+        EXPECT_TRUE(result.output.empty()) << result.output;
+    }
+}
+
+TEST(ToolsCloud, DirectoryAndOtherNonRegularFilesAreRefused) {
+    TemporaryDirectory directory;
+    const auto folder = runTool({"cloud", directory.path()});
+    EXPECT_EQ(folder.status, 2);
+    EXPECT_EQ(folder.errors, "pallix: " + directory.path() + ": is a directory\n");
+    // A device would be read for ever, or as nothing.
+    const auto device = runTool({"cloud", "/dev/null"});
+    EXPECT_EQ(device.status, 2);
+    EXPECT_EQ(device.errors, "pallix: /dev/null: is not a regular file\n");
 }
 
 TEST(ToolsCloud, FileArgumentIsRequired) {
     const auto result = runTool({"cloud"});
     EXPECT_NE(result.status, 0);
     EXPECT_THAT(result.output + result.errors, HasSubstr("FILE is required"));
+}
+
+TEST(ToolsCloud, JsonOverviewHoldsEveryPartOfTheDocument) {
+    const auto result = runTool({"cloud", kEveryElement, "--json"});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    EXPECT_TRUE(result.errors.empty()) << result.errors;
+    const Json document = parsed(result.output);
+    EXPECT_EQ(document.at("advertisement").at("popup"), true);
+    EXPECT_EQ(document.at("advertisement").at("autoInstall"), true);
+    EXPECT_EQ(document.at("verifyGuide").at("status"), true);
+    EXPECT_EQ(document.at("verifyGuide").at("pixmap"), "guide/verify@2x.png");
+    const Json& partner = document.at("partner");
+    EXPECT_EQ(partner.at("sellStatus"), true);
+    EXPECT_EQ(partner.at("deviceInfoText"), "Trade in this device");
+    EXPECT_EQ(partner.at("deviceVerifyText"), "Check the device before selling");
+    EXPECT_EQ(partner.at("authorizeAddress"), "192.0.2.10");
+    EXPECT_EQ(partner.at("authorizePort"), 9443);
+    const Json& hashes = document.at("referenceFiles");
+    ASSERT_EQ(hashes.size(), 5u);
+    EXPECT_EQ(hashes[0].at("name"), "CPID");
+    EXPECT_EQ(hashes[0].at("hash"), "00112233445566778899aabbccddeeff");
+    EXPECT_EQ(hashes[0].at("url"), "https://files.example/cpid.xml");
+    EXPECT_EQ(hashes[4].at("name"), "DeveloperPluginMapping");
+    const Json& plugins = document.at("developerPlugins");
+    ASSERT_EQ(plugins.size(), 2u);
+    EXPECT_EQ(plugins[0].at("version"), "15.7");
+    EXPECT_EQ(plugins[0].at("hash"), "15151515151515151515151515151515");
+    EXPECT_EQ(plugins[0].at("url"), "https://files.example/dev-15.7.zip");
+    const Json& rvq = document.at("developerPluginsRvq");
+    ASSERT_EQ(rvq.size(), 2u);
+    EXPECT_EQ(rvq[1].at("version"), "17.1");
+    EXPECT_EQ(rvq[1].at("url"), "https://files.example/rvq-17.1.zip");
+    EXPECT_EQ(document.at("drivers").at("version"), "3.1.4");
+    EXPECT_EQ(document.at("drivers").at("itunes32"), "12.6.5.3");
+    EXPECT_EQ(document.at("drivers").at("itunes64"), "12.12.10.1");
+    const Json& pluginRules = document.at("pluginProcessRules");
+    ASSERT_EQ(pluginRules.size(), 2u);
+    EXPECT_EQ(pluginRules[0].at("startsWith"), "plug");
+    EXPECT_EQ(pluginRules[0].at("contains"), "in");
+    EXPECT_EQ(pluginRules[0].at("endsWith"), ".bin");
+    EXPECT_EQ(pluginRules[0].at("name"), "PlugInA");
+    const Json& applicationRules = document.at("applicationProcessRules");
+    ASSERT_EQ(applicationRules.size(), 3u);
+    EXPECT_EQ(applicationRules[2].at("name"), "AppC");
+}
+
+TEST(ToolsCloud, JsonOverviewListsEveryReferenceEntryAndTheFullPixmap) {
+    TemporaryDirectory directory;
+    const std::string pixmap(100, 'p');
+    const auto result = runTool({"cloud", writeDocument(directory, R"(<Application>
+        <Applet><VerifyGuide Status="1" Pixmap=")" + pixmap + R"("/></Applet><Hash>
+        <F Name="CPID" MD5="one"/><F Name="Firmware"/><F Name="CPID" MD5="two"/>
+        </Hash></Application>)"),
+                                 "--json"});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    const Json document = parsed(result.output);
+    EXPECT_EQ(document.at("verifyGuide").at("pixmap"), pixmap);
+    const Json& hashes = document.at("referenceFiles");
+    ASSERT_EQ(hashes.size(), 3u);
+    EXPECT_EQ(hashes[0].at("hash"), "one");
+    EXPECT_EQ(hashes[1].at("name"), "Firmware");
+    EXPECT_EQ(hashes[2].at("hash"), "two");
+    EXPECT_TRUE(document.at("developerPlugins").empty());
+}
+
+TEST(ToolsCloud, JsonQueriesAnswerEachFieldOrNull) {
+    const auto result = runTool({"cloud", kSample, "--json", "--hash", "RestoreCode", "--plugin",
+                                 "17.2", "--plugin-rvq", "16.4", "--process", "iTunesHelper.exe",
+                                 "--plugin-process", "DeviceAgentTool"});
+    EXPECT_EQ(result.status, 1); // the RVQ list has no 16.4
+    EXPECT_TRUE(result.errors.empty()) << result.errors;
+    const Json document = parsed(result.output);
+    const Json& hash = document.at("hash");
+    EXPECT_EQ(hash.at("query"), "RestoreCode");
+    EXPECT_EQ(hash.at("found"), true);
+    EXPECT_EQ(hash.at("answer").at("name"), "RestoreCode");
+    EXPECT_EQ(hash.at("answer").at("hash"), "6b1feb1e6fff6db130e5969a34ae449b");
+    EXPECT_EQ(hash.at("answer").at("url"),
+              "https://cdn.pallix.example/runtime/5/restore-error.xml");
+    const Json& plugin = document.at("plugin");
+    EXPECT_EQ(plugin.at("query"), "17.2");
+    EXPECT_EQ(plugin.at("found"), true);
+    EXPECT_EQ(plugin.at("answer").at("version"), "17.2");
+    EXPECT_EQ(plugin.at("answer").at("hash"), "6e45bfa6c79f699e7447d5234166f04a");
+    EXPECT_EQ(plugin.at("answer").at("url"),
+              "https://cdn.pallix.example/plugins/developer-17.2.zip");
+    const Json& rvq = document.at("pluginRvq");
+    EXPECT_EQ(rvq.at("query"), "16.4");
+    EXPECT_EQ(rvq.at("found"), false);
+    EXPECT_TRUE(rvq.at("answer").is_null());
+    const Json& process = document.at("process");
+    EXPECT_EQ(process.at("found"), true);
+    EXPECT_EQ(process.at("answer").at("startsWith"), "iTunes");
+    EXPECT_EQ(process.at("answer").at("contains"), "");
+    EXPECT_EQ(process.at("answer").at("endsWith"), ".exe");
+    EXPECT_EQ(process.at("answer").at("name"), "iTunes");
+    const Json& pluginProcess = document.at("pluginProcess");
+    EXPECT_EQ(pluginProcess.at("query"), "DeviceAgentTool");
+    EXPECT_EQ(pluginProcess.at("answer").at("name"), "DeviceAgent");
+}
+
+TEST(ToolsCloud, JsonQueryHoldsOnlyWhatWasAsked) {
+    const auto result = runTool({"cloud", kSample, "--hash", "CPID", "--json"});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    const Json document = parsed(result.output);
+    EXPECT_EQ(document.size(), 1u);
+    EXPECT_EQ(document.at("hash").at("answer").at("hash"), "51025cfd67fbe5ef5242bb4ddb43c48e");
+}
+
+TEST(ToolsCloud, JsonNotFoundExitsWith1AndSaysNothingElse) {
+    const auto result = runTool({"cloud", kSample, "--json", "--process", "none"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.errors.empty()) << result.errors;
+    const Json document = parsed(result.output);
+    EXPECT_EQ(document.at("process").at("found"), false);
+    EXPECT_TRUE(document.at("process").at("answer").is_null());
+}
+
+TEST(ToolsCloud, JsonWithAnUnusableDocumentPrintsNothing) {
+    const auto result = runTool({"cloud", PALLIX_SAMPLES_DIR "/cpid.xml", "--json"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(result.output.empty()) << result.output;
+    EXPECT_THAT(result.errors, HasSubstr("is a chip table, not a cloud document"));
+}
+
+TEST(ToolsCloud, HelpNamesTheExitStatusesAndEndsWithAnExample) {
+    const auto result = runTool({"cloud", "--help"});
+    ASSERT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, HasSubstr("Exit status: 0 "));
+    EXPECT_THAT(result.output, HasSubstr("\"referenceFiles\""));
+    EXPECT_THAT(result.output, ::testing::EndsWith("Example:\n  pallix cloud samples/cloud.xml "
+                                                   "--hash CPID --plugin-process "
+                                                   "DeviceAgentTool\n"));
 }

@@ -1,20 +1,19 @@
 // "pallix cloud": reads a cloud document through the library and shows what it switches on,
 // which reference files and plug-in packages it names, and which rules recognise programs; or
 // answers single queries against it.
-//
-// Exit status: 0 when the document was read (and every query found an answer), 1 when a query
-// found nothing, 2 when the document cannot be used.
 
 #include "Commands.h"
+#include "Failure.h"
+#include "Lookup.h"
+#include "Suggestion.h"
 #include "ToolOutput.h"
 
 #include "PRuntimeCloud.h"
 
-#include <pugixml.hpp>
-
 #include <cstddef>
 #include <iostream>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,20 +29,15 @@ struct CloudOptions {
     std::string pluginRvq;
     std::string process;
     std::string pluginProcess;
-    bool hashGiven = false;
-    bool pluginGiven = false;
-    bool pluginRvqGiven = false;
-    bool processGiven = false;
-    bool pluginProcessGiven = false;
+    bool json = false;
+    CLI::App* command = nullptr;
 
-    bool anyQuery() const {
-        return hashGiven || pluginGiven || pluginRvqGiven || processGiven || pluginProcessGiven;
-    }
+    bool given(const char* option) const { return command->count(option) > 0; }
 };
 
 using HashQuery = PRuntimeCloudApplicationHash (PRuntimeCloud::*)() const;
 
-// The reference files the library can be asked for, in the order the queries are declared.
+// The entry names that the library's reference-file queries look for, which --hash takes.
 const std::vector<std::pair<std::string, HashQuery>>& hashQueries() {
     static const std::vector<std::pair<std::string, HashQuery>> queries = {
         {"CPID", &PRuntimeCloud::application_hash_cpid},
@@ -54,12 +48,38 @@ const std::vector<std::pair<std::string, HashQuery>>& hashQueries() {
     return queries;
 }
 
-std::string onOff(bool value) {
-    return value ? "on" : "off";
+// The query of a name, or null.
+HashQuery hashQuery(const std::string& name) {
+    for (const auto& [known, query] : hashQueries()) {
+        if (known == name) {
+            return query;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<std::string> hashNames() {
+    std::vector<std::string> names;
+    for (const auto& query : hashQueries()) {
+        names.push_back(query.first);
+    }
+    return names;
+}
+
+std::string hashNameList() {
+    std::string list;
+    for (const std::string& name : hashNames()) {
+        list += (list.empty() ? "" : ", ") + name;
+    }
+    return list;
 }
 
 std::string orNone(const NString& text) {
     return text.empty() ? std::string("(none)") : text.toStdString();
+}
+
+std::string quoted(const NString& text) {
+    return "\"" + text.toStdString() + "\"";
 }
 
 // Long pixmap texts (encoded pictures) are cut for the overview, on a character boundary.
@@ -75,83 +95,116 @@ std::string abbreviated(const std::string& text) {
     return text.substr(0, cut) + "... (" + std::to_string(text.size()) + " bytes)";
 }
 
-std::string quoted(const NString& text) {
-    return "\"" + text.toStdString() + "\"";
+// The records as JSON, with the names of the library's accessors.
+nlohmann::json toJson(const PRuntimeCloudApplicationHash& entry) {
+    return {{"name", entry.name().toStdString()},
+            {"hash", entry.hash().toStdString()},
+            {"url", entry.url().toStdString()}};
 }
 
-std::string describeRule(const PRuntimeCloudDeviceProcessItem& rule) {
+nlohmann::json toJson(const PRuntimeCloudDevicePluginsItem& item) {
+    return {{"version", item.version().toStdString()},
+            {"hash", item.hash().toStdString()},
+            {"url", item.url().toStdString()}};
+}
+
+nlohmann::json toJson(const PRuntimeCloudDeviceProcessItem& rule) {
+    return {{"startsWith", rule.startsWith().toStdString()},
+            {"contains", rule.contains().toStdString()},
+            {"endsWith", rule.endsWith().toStdString()},
+            {"name", rule.name().toStdString()}};
+}
+
+// ... and as text.
+std::string describe(const PRuntimeCloudApplicationHash& entry) {
+    return "  " + entry.name().toStdString() + "\n    digest:  " + orNone(entry.hash()) +
+           "\n    address: " + orNone(entry.url()) + "\n";
+}
+
+std::string describe(const PRuntimeCloudDevicePluginsItem& item) {
+    return "  " + item.version().toStdString() + "\n    digest:  " + orNone(item.hash()) +
+           "\n    address: " + orNone(item.url()) + "\n";
+}
+
+std::string describe(const PRuntimeCloudDeviceProcessItem& rule) {
     return "starts " + quoted(rule.startsWith()) + ", contains " + quoted(rule.contains()) +
            ", ends " + quoted(rule.endsWith()) + " -> " + orNone(rule.name());
 }
 
-void printHashEntry(const PRuntimeCloudApplicationHash& entry) {
-    std::cout << "  " << entry.name().toStdString() << "\n"
-              << "    digest:  " << orNone(entry.hash()) << "\n"
-              << "    address: " << orNone(entry.url()) << "\n";
+using PluginTraversal = void (PRuntimeCloud::*)(
+    const std::function<void(const NString&, const PRuntimeCloudDevicePluginsItem&)>&) const;
+using RuleTraversal = void (PRuntimeCloud::*)(
+    const std::function<void(const PRuntimeCloudDeviceProcessItem&)>&) const;
+
+nlohmann::json pluginsJson(const PRuntimeCloud& cloud, PluginTraversal traverse) {
+    nlohmann::json list = nlohmann::json::array();
+    (cloud.*traverse)([&list](const NString&, const PRuntimeCloudDevicePluginsItem& item) {
+        list.push_back(toJson(item));
+    });
+    return list;
 }
 
-void printPlugin(const PRuntimeCloudDevicePluginsItem& item) {
-    std::cout << "  " << item.version().toStdString() << "\n"
-              << "    digest:  " << orNone(item.hash()) << "\n"
-              << "    address: " << orNone(item.url()) << "\n";
+nlohmann::json rulesJson(const PRuntimeCloud& cloud, RuleTraversal traverse) {
+    nlohmann::json list = nlohmann::json::array();
+    (cloud.*traverse)(
+        [&list](const PRuntimeCloudDeviceProcessItem& rule) { list.push_back(toJson(rule)); });
+    return list;
 }
 
-// The library answers lookups but does not hand out its lists, so the overview takes the
-// versions and rules from the document and shows what the library answers for them.
-std::vector<pugi::xml_node> childElements(const pugi::xml_node& list) {
-    std::vector<pugi::xml_node> children;
-    for (pugi::xml_node child = list.first_child(); child; child = child.next_sibling()) {
-        if (child.type() == pugi::node_element) {
-            children.push_back(child);
-        }
-    }
-    return children;
+void printOverviewJson(const PRuntimeCloud& cloud) {
+    nlohmann::json hashes = nlohmann::json::array();
+    cloud.application_hash_traverse(
+        [&hashes](const PRuntimeCloudApplicationHash& entry) { hashes.push_back(toJson(entry)); });
+    printJson({
+        {"advertisement",
+         {{"popup", cloud.application_advertisement_iosapp_popup()},
+          {"autoInstall", cloud.application_advertisement_iosapp_auto_install()}}},
+        {"verifyGuide",
+         {{"status", cloud.applet_verify_guide_status()},
+          {"pixmap", cloud.applet_verify_guide_pixmap().toStdString()}}},
+        {"partner",
+         {{"sellStatus", cloud.cooperate_hsb_sell_status()},
+          {"deviceInfoText", cloud.cooperate_hsb_sell_text_device_info().toStdString()},
+          {"deviceVerifyText", cloud.cooperate_hsb_sell_text_device_verify().toStdString()},
+          {"authorizeAddress", cloud.cooperate_hsb_device_authorize_ipaddress().toStdString()},
+          {"authorizePort", cloud.cooperate_hsb_device_authorize_ipport()}}},
+        {"referenceFiles", hashes},
+        {"developerPlugins", pluginsJson(cloud, &PRuntimeCloud::device_plugins_traverse)},
+        {"developerPluginsRvq", pluginsJson(cloud, &PRuntimeCloud::device_plugins_rvq_traverse)},
+        {"drivers",
+         {{"version", cloud.device_drive_version().toStdString()},
+          {"itunes32", cloud.device_drive_itunes_32().toStdString()},
+          {"itunes64", cloud.device_drive_itunes_64().toStdString()}}},
+        {"pluginProcessRules", rulesJson(cloud, &PRuntimeCloud::device_process_plugins_traverse)},
+        {"applicationProcessRules",
+         rulesJson(cloud, &PRuntimeCloud::device_process_application_traverse)},
+    });
 }
 
-std::vector<std::string> documentVersions(const pugi::xml_node& list) {
-    std::vector<std::string> versions;
-    for (const pugi::xml_node& child : childElements(list)) {
-        const std::string version = child.attribute("Version").as_string("");
-        bool seen = false;
-        for (const std::string& known : versions) {
-            seen = seen || known == version;
-        }
-        if (!seen) {
-            versions.push_back(version);
-        }
-    }
-    return versions;
+void printPlugins(const char* title, const PRuntimeCloud& cloud, PluginTraversal traverse) {
+    std::string lines;
+    std::size_t count = 0;
+    (cloud.*traverse)([&](const NString& version, const PRuntimeCloudDevicePluginsItem& item) {
+        ++count;
+        lines += version.empty() ? "  (a package without a version; lookups never return it)\n"
+                                 : describe(item);
+    });
+    std::cout << title << " (" << count << ")\n" << lines;
 }
 
-void printPlugins(const char* title, const PRuntimeCloud& cloud, const pugi::xml_node& list,
-                  PRuntimeCloudDevicePluginsItem (PRuntimeCloud::*find)(const NString&) const) {
-    const std::vector<std::string> versions = documentVersions(list);
-    std::cout << title << " (" << versions.size() << ")\n";
-    for (const std::string& version : versions) {
-        if (version.empty()) {
-            std::cout << "  (a package without a version; lookups never return it)\n";
-            continue;
-        }
-        printPlugin((cloud.*find)(NString(version)));
-    }
+void printRules(const char* title, const PRuntimeCloud& cloud, RuleTraversal traverse) {
+    std::string lines;
+    std::size_t count = 0;
+    (cloud.*traverse)([&](const PRuntimeCloudDeviceProcessItem& rule) {
+        lines += "  " + std::to_string(++count) + ". " + describe(rule) + "\n";
+    });
+    std::cout << title << " (" << count << ")\n" << lines;
 }
 
-void printRules(const char* title, const pugi::xml_node& list) {
-    const std::vector<pugi::xml_node> children = childElements(list);
-    std::cout << title << " (" << children.size() << ")\n";
-    int number = 0;
-    for (const pugi::xml_node& child : children) {
-        const PRuntimeCloudDeviceProcessItem rule(
-            child.attribute("StartsWith").as_string(""), child.attribute("Contains").as_string(""),
-            child.attribute("EndsWith").as_string(""), child.attribute("Name").as_string(""));
-        std::cout << "  " << ++number << ". " << describeRule(rule) << "\n";
-    }
-}
-
-void printOverview(const CloudOptions& options, const PRuntimeCloud& cloud,
-                   const pugi::xml_node& root) {
-    std::cout << "Cloud document: " << options.file << "\n";
-    std::cout << "Switches\n"
+void printOverview(const CloudOptions& options, const PRuntimeCloud& cloud) {
+    const auto onOff = [](bool value) { return value ? "on" : "off"; };
+    std::cout << "Cloud document: " << options.file << "\n"
+              << "Switches\n"
               << "  advertisement pop-up:       "
               << onOff(cloud.application_advertisement_iosapp_popup()) << "\n"
               << "  advertisement auto-install: "
@@ -161,8 +214,8 @@ void printOverview(const CloudOptions& options, const PRuntimeCloud& cloud,
               << "  verification guide pixmap:  "
               << abbreviated(orNone(cloud.applet_verify_guide_pixmap())) << "\n"
               << "  partner selling:            " << onOff(cloud.cooperate_hsb_sell_status())
-              << "\n";
-    std::cout << "Partner\n"
+              << "\n"
+              << "Partner\n"
               << "  device information text:    "
               << orNone(cloud.cooperate_hsb_sell_text_device_info()) << "\n"
               << "  device verification text:   "
@@ -174,152 +227,132 @@ void printOverview(const CloudOptions& options, const PRuntimeCloud& cloud,
     std::cout << "Reference files\n";
     for (const auto& [name, query] : hashQueries()) {
         const PRuntimeCloudApplicationHash entry = (cloud.*query)();
-        if (entry.name().empty()) {
-            std::cout << "  " << name << ": (none)\n";
-        } else {
-            printHashEntry(entry);
-        }
+        std::cout << (entry.name().empty() ? "  " + name + ": (none)\n" : describe(entry));
     }
-    // Entries under other names are kept by the library but no query asks for them.
-    for (const pugi::xml_node& child : childElements(root.child("Application").child("Hash"))) {
-        const std::string name = child.attribute("Name").as_string("");
-        bool known = false;
-        for (const auto& query : hashQueries()) {
-            known = known || query.first == name;
-        }
-        if (!known) {
+    // The library keeps every entry; the queries answer with the first of the five names.
+    std::set<std::string> answered;
+    cloud.application_hash_traverse([&](const PRuntimeCloudApplicationHash& entry) {
+        const std::string name = entry.name().toStdString();
+        if (hashQuery(name) == nullptr) {
             std::cout << "  other entry " << (name.empty() ? "(no name)" : "\"" + name + "\"")
                       << ": no query asks for it\n";
+        } else if (!answered.insert(name).second) {
+            std::cout << "  another \"" << name << "\" entry: the query answers with the first\n";
         }
-    }
+    });
 
-    const pugi::xml_node device = root.child("Device");
-    printPlugins("Developer plug-ins", cloud, device.child("DeveloperPlugins"),
-                 &PRuntimeCloud::device_plugins_find);
-    printPlugins("Developer plug-ins (RVQ)", cloud, device.child("DeveloperPlugins_RVQ"),
-                 &PRuntimeCloud::device_plugins_find_by_rvq);
-
+    printPlugins("Developer plug-ins", cloud, &PRuntimeCloud::device_plugins_traverse);
+    printPlugins("Developer plug-ins (RVQ)", cloud, &PRuntimeCloud::device_plugins_rvq_traverse);
     std::cout << "Drivers\n"
               << "  driver version:             " << orNone(cloud.device_drive_version()) << "\n"
               << "  iTunes, 32-bit:             " << orNone(cloud.device_drive_itunes_32()) << "\n"
               << "  iTunes, 64-bit:             " << orNone(cloud.device_drive_itunes_64()) << "\n";
-
-    const pugi::xml_node manager = device.child("ProcessManager");
-    printRules("Plug-in process rules", manager.child("Plugins"));
-    printRules("Application process rules", manager.child("Process"));
+    printRules("Plug-in process rules", cloud, &PRuntimeCloud::device_process_plugins_traverse);
+    printRules("Application process rules", cloud,
+               &PRuntimeCloud::device_process_application_traverse);
 }
 
-// Each query prints its answer; false when there is none.
-bool answerHash(const PRuntimeCloud& cloud, const std::string& name) {
-    for (const auto& [known, query] : hashQueries()) {
-        if (known == name) {
-            const PRuntimeCloudApplicationHash entry = (cloud.*query)();
-            if (entry.name().empty()) {
-                std::cout << "reference file " << name << ": not in the document\n";
-                return false;
-            }
-            std::cout << "reference file\n";
-            printHashEntry(entry);
-            return true;
+// One query's answer: shown as text, or gathered under `key` of the JSON document.
+struct Answers {
+    bool json = false;
+    bool allFound = true;
+    nlohmann::json document = nlohmann::json::object();
+
+    void add(const char* key, const std::string& query, const nlohmann::json& answer,
+             const std::string& text, const std::string& missed) {
+        allFound = allFound && !answer.is_null();
+        if (json) {
+            document[key] = {{"query", query}, {"found", !answer.is_null()}, {"answer", answer}};
+        } else if (answer.is_null()) {
+            reportError(missed);
+        } else {
+            std::cout << text;
         }
     }
-    return false; // names are checked before the document is read
+};
+
+void answerHash(Answers& answers, const PRuntimeCloud& cloud, const std::string& name) {
+    const PRuntimeCloudApplicationHash entry = (cloud.*hashQuery(name))();
+    answers.add("hash", name, entry.name().empty() ? nullptr : toJson(entry),
+                "reference file\n" + describe(entry),
+                "reference file " + name + ": not in the document");
 }
 
-bool answerPlugin(const PRuntimeCloud& cloud, const std::string& version, bool rvq) {
+void answerPlugin(Answers& answers, const PRuntimeCloud& cloud, const std::string& version,
+                  bool rvq) {
     const PRuntimeCloudDevicePluginsItem item =
-        rvq ? cloud.device_plugins_find_by_rvq(NString(version))
-            : cloud.device_plugins_find(NString(version));
-    const char* kind = rvq ? "developer plug-in (RVQ)" : "developer plug-in";
-    if (item.version().empty()) {
-        std::cout << kind << " \"" << version << "\": not in the document\n";
-        return false;
-    }
-    std::cout << kind << "\n";
-    printPlugin(item);
-    return true;
+        rvq ? cloud.device_plugins_find_by_rvq(version) : cloud.device_plugins_find(version);
+    const std::string kind = rvq ? "developer plug-in (RVQ)" : "developer plug-in";
+    answers.add(rvq ? "pluginRvq" : "plugin", version,
+                item.version().empty() ? nullptr : toJson(item), kind + "\n" + describe(item),
+                kind + " \"" + version + "\": not in the document");
 }
 
-bool answerProcess(const PRuntimeCloud& cloud, const std::string& name, bool plugins) {
-    std::string found;
-    const auto record = [&found](const PRuntimeCloudDeviceProcessItem& rule) {
-        found = describeRule(rule);
+void answerProcess(Answers& answers, const PRuntimeCloud& cloud, const std::string& name,
+                   bool plugins) {
+    nlohmann::json rule = nullptr;
+    std::string text;
+    const auto record = [&](const PRuntimeCloudDeviceProcessItem& found) {
+        rule = toJson(found);
+        text = describe(found);
     };
-    const bool matched = plugins ? cloud.device_process_plugins_find(NString(name), record)
-                                 : cloud.device_process_application_find(NString(name), record);
-    const char* kind = plugins ? "plug-in process" : "application process";
-    if (!matched) {
-        std::cout << kind << " \"" << name << "\": no rule holds\n";
-        return false;
+    if (plugins) {
+        cloud.device_process_plugins_find(name, record);
+    } else {
+        cloud.device_process_application_find(name, record);
     }
-    std::cout << kind << " \"" << name << "\": " << found << "\n";
-    return true;
+    const std::string kind =
+        std::string(plugins ? "plug-in" : "application") + " process \"" + name + "\": ";
+    answers.add(plugins ? "pluginProcess" : "process", name, rule, kind + text + "\n",
+                kind + "no rule holds");
 }
 
 void runCloud(const CloudOptions& options) {
-    if (options.hashGiven) {
-        bool known = false;
-        std::string names;
-        for (const auto& query : hashQueries()) {
-            known = known || query.first == options.hash;
-            names += (names.empty() ? "" : ", ") + query.first;
+    if (options.given("--hash") && hashQuery(options.hash) == nullptr) {
+        failUsage("--hash: unknown reference file '" + options.hash + "' (one of " +
+                  hashNameList() + ")" + didYouMean(options.hash, hashNames()));
+    }
+    const auto requireVersion = [&options](const char* option, const std::string& version) {
+        if (options.given(option) && version.empty()) {
+            failUsage(std::string(option) + ": the library never looks up an empty version");
         }
-        if (!known) {
-            reportError("unknown reference file \"" + options.hash + "\" (one of " + names + ")");
-            exitStatus() = 2;
-            return;
-        }
-    }
-
-    const std::string problem = describeXmlProblem(options.file);
-    if (!problem.empty()) {
-        reportError(problem);
-        exitStatus() = 2;
-        return;
-    }
-    // The library accepts a document without the root and reads nothing from it; the tool
-    // says so instead.
-    pugi::xml_document document;
-    document.load_file(options.file.c_str(), pugi::parse_default, pugi::encoding_utf8);
-    const pugi::xml_node root = document.child("Nevor");
-    if (!root) {
-        const pugi::xml_node element = document.document_element();
-        reportError(options.file + ": not a cloud document: the root element is " +
-                    (element ? "\"" + std::string(element.name()) + "\"" : std::string("missing")) +
-                    ", not \"Nevor\"");
-        exitStatus() = 2;
-        return;
-    }
-
+    };
+    requireVersion("--plugin", options.plugin);
+    requireVersion("--plugin-rvq", options.pluginRvq);
+    requireFileKind(options.file, check::FileKind::Cloud);
     PRuntimeCloud cloud;
     if (!cloud.format(NString(options.file))) {
-        reportError(options.file + ": the library could not read the document");
-        exitStatus() = 2;
-        return;
+        failUnreadable(options.file + ": the library could not read the document");
     }
 
-    if (!options.anyQuery()) {
-        printOverview(options, cloud, root);
-        exitStatus() = 0;
+    const bool anyQuery = options.given("--hash") || options.given("--plugin") ||
+                          options.given("--plugin-rvq") || options.given("--process") ||
+                          options.given("--plugin-process");
+    if (!anyQuery) {
+        options.json ? printOverviewJson(cloud) : printOverview(options, cloud);
         return;
     }
-    bool allFound = true;
-    if (options.hashGiven) {
-        allFound = answerHash(cloud, options.hash) && allFound;
+    Answers answers;
+    answers.json = options.json;
+    if (options.given("--hash")) {
+        answerHash(answers, cloud, options.hash);
     }
-    if (options.pluginGiven) {
-        allFound = answerPlugin(cloud, options.plugin, false) && allFound;
+    if (options.given("--plugin")) {
+        answerPlugin(answers, cloud, options.plugin, false);
     }
-    if (options.pluginRvqGiven) {
-        allFound = answerPlugin(cloud, options.pluginRvq, true) && allFound;
+    if (options.given("--plugin-rvq")) {
+        answerPlugin(answers, cloud, options.pluginRvq, true);
     }
-    if (options.processGiven) {
-        allFound = answerProcess(cloud, options.process, false) && allFound;
+    if (options.given("--process")) {
+        answerProcess(answers, cloud, options.process, false);
     }
-    if (options.pluginProcessGiven) {
-        allFound = answerProcess(cloud, options.pluginProcess, true) && allFound;
+    if (options.given("--plugin-process")) {
+        answerProcess(answers, cloud, options.pluginProcess, true);
     }
-    exitStatus() = allFound ? 0 : 1;
+    if (options.json) {
+        printJson(answers.document);
+    }
+    exitStatus() = answers.allFound ? kSuccess : kNotFound;
 }
 
 } // namespace
@@ -329,13 +362,9 @@ void registerCloudCommands(CLI::App& app) {
     CLI::App* cloud = app.add_subcommand(
         "cloud", "Read a cloud document: its switches, reference files, plug-in packages, "
                  "driver versions and process rules, or answer queries against it");
-    cloud->footer("Exit status: 0 read (every query answered), 1 a query found nothing, "
-                  "2 the document cannot be used.");
-    cloud->add_option("FILE", options->file, "The cloud document (XML, root \"Nevor\")")
-        ->required();
-    cloud->add_option("--hash", options->hash,
-                      "Reference file entry: CPID, CrashCode, RestoreCode, RestoreVersion or "
-                      "DeveloperPluginMapping");
+    options->command = cloud;
+    cloud->add_option("FILE", options->file, "The cloud document")->required();
+    cloud->add_option("--hash", options->hash, "Reference file entry: " + hashNameList());
     cloud->add_option("--plugin", options->plugin, "Developer plug-in package of a version");
     cloud->add_option("--plugin-rvq", options->pluginRvq,
                       "Developer plug-in package of a version, RVQ list");
@@ -343,14 +372,30 @@ void registerCloudCommands(CLI::App& app) {
                       "Program name to match against the application process rules");
     cloud->add_option("--plugin-process", options->pluginProcess,
                       "Program name to match against the plug-in process rules");
-    cloud->callback([options, cloud] {
-        options->hashGiven = cloud->count("--hash") > 0;
-        options->pluginGiven = cloud->count("--plugin") > 0;
-        options->pluginRvqGiven = cloud->count("--plugin-rvq") > 0;
-        options->processGiven = cloud->count("--process") > 0;
-        options->pluginProcessGiven = cloud->count("--plugin-process") > 0;
-        runCloud(*options);
-    });
+    addJsonFlag(*cloud, options->json);
+    endHelp(*cloud,
+            "With --json and no query:\n"
+            "  {\"advertisement\": {\"popup\", \"autoInstall\"}, \"verifyGuide\": {\"status\", "
+            "\"pixmap\"},\n"
+            "   \"partner\": {\"sellStatus\", \"deviceInfoText\", \"deviceVerifyText\", "
+            "\"authorizeAddress\", \"authorizePort\"},\n"
+            "   \"referenceFiles\": [ENTRY] (every entry, in document order),\n"
+            "   \"developerPlugins\", \"developerPluginsRvq\": [PACKAGE] (by version),\n"
+            "   \"drivers\": {\"version\", \"itunes32\", \"itunes64\"},\n"
+            "   \"pluginProcessRules\", \"applicationProcessRules\": [RULE] (in document "
+            "order)}\n"
+            "With --json and queries, one member for each query asked (\"hash\", \"plugin\", "
+            "\"pluginRvq\",\n"
+            "\"process\", \"pluginProcess\"): {\"query\": TEXT, \"found\": BOOL, \"answer\": "
+            "ENTRY, PACKAGE, RULE or null}\n"
+            "where ENTRY is {\"name\", \"hash\", \"url\"}, PACKAGE {\"version\", \"hash\", "
+            "\"url\"},\n"
+            "RULE {\"startsWith\", \"contains\", \"endsWith\", \"name\"}.\n"
+            "Exit status: 0 the document was read and every query answered; 1 a query found "
+            "nothing;\n"
+            "2 a usage error or a document that cannot be read.",
+            "pallix cloud samples/cloud.xml --hash CPID --plugin-process DeviceAgentTool");
+    cloud->callback([options] { runCloud(*options); });
 }
 
 } // namespace pallix::tool

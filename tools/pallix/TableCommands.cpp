@@ -1,301 +1,266 @@
+// "pallix cpid", "pallix crash", "pallix restore-error", "pallix mapping": load a reference
+// table through the library and show the row that answers a query.
+
 #include "Commands.h"
+#include "Failure.h"
+#include "Lookup.h"
 #include "ToolOutput.h"
 
 #include "NString.h"
-#include "PRuntime.h"
 #include "PRuntimeCpid.h"
 #include "PRuntimeCrashCode.h"
 #include "PRuntimePluginMapping.h"
 #include "PRuntimeRestoreError.h"
 
-#include <pugixml.hpp>
-
-#include <cctype>
+#include <algorithm>
+#include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace pallix::tool {
 
 namespace {
 
-// Digits of a number given on the command line: "0x" or "0X" then hexadecimal digits, or
-// decimal digits. The value must fit in `limit`; false for anything else.
-bool parseMagnitude(const std::string& text, unsigned long long limit, unsigned long long& value) {
-    std::size_t at = 0;
-    unsigned base = 10;
-    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
-        base = 16;
-        at = 2;
+const char* const kStatuses = "Exit status: 0 a row matched; 1 no row matched; 2 a usage error or "
+                              "a table that cannot be read.";
+
+struct Lookup {
+    std::string table;
+    std::string query;
+    std::string board; // cpid only
+    bool json = false;
+};
+
+// One field of a row: its label in the text view, its name in JSON, its value.
+struct Field {
+    const char* label;
+    const char* key;
+    nlohmann::json value;
+};
+
+std::string shown(const nlohmann::json& value) {
+    if (value.is_boolean()) {
+        return value.get<bool>() ? "yes" : "no";
     }
-    if (at >= text.size()) {
-        return false;
-    }
-    value = 0;
-    for (; at < text.size(); ++at) {
-        const unsigned char c = static_cast<unsigned char>(text[at]);
-        unsigned digit = 0;
-        if (std::isdigit(c)) {
-            digit = c - '0';
-        } else if (base == 16 && std::isxdigit(c)) {
-            digit = static_cast<unsigned>(std::tolower(c) - 'a' + 10);
-        } else {
-            return false;
-        }
-        if (value > (limit - digit) / base) {
-            return false;
-        }
-        value = value * base + digit;
-    }
-    return true;
+    return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-bool parseUnsigned(const std::string& text, unsigned int& value) {
-    unsigned long long parsed = 0;
-    if (!parseMagnitude(text, UINT_MAX, parsed)) {
-        return false;
+// Shows the row that answered, or says that none did: `document` holds the query, and gains
+// "found" and "row" (null when nothing matched). `missed` completes "no row matched ...".
+void answer(const Lookup& lookup, nlohmann::json document, const std::vector<Field>& row,
+            const std::string& missed, const std::string& note = std::string()) {
+    document["found"] = !row.empty();
+    document["row"] = nullptr;
+    for (const Field& field : row) {
+        document["row"][field.key] = field.value;
     }
-    value = static_cast<unsigned int>(parsed);
-    return true;
+    if (lookup.json) {
+        printJson(document);
+        exitStatus() = row.empty() ? kNotFound : kSuccess;
+        return;
+    }
+    if (row.empty()) {
+        failNotFound("no row matched " + missed);
+    }
+    std::size_t width = 0;
+    for (const Field& field : row) {
+        width = std::max(width, std::string(field.label).size());
+    }
+    for (const Field& field : row) {
+        const std::string label = std::string(field.label) + ":";
+        std::cout << label << std::string(width + 2 - label.size(), ' ') << shown(field.value)
+                  << '\n';
+    }
+    if (!note.empty()) {
+        std::cout << note << '\n';
+    }
 }
 
-// A signed 64-bit code: an optional minus, then decimal or 0x hexadecimal digits.
-bool parseSigned(const std::string& text, long long& value) {
+// A number as these tables hold one: decimal, or hexadecimal after "0x", with a minus only
+// when `minimum` is negative; nothing unless it lies within [minimum, maximum].
+std::optional<long long> parseNumber(const std::string& text, long long minimum,
+                                     long long maximum) {
     const bool negative = !text.empty() && text[0] == '-';
-    const std::string digits = negative ? text.substr(1) : text;
+    const std::size_t start = negative ? 1 : 0;
+    const bool hex = text.compare(start, 2, "0x") == 0 || text.compare(start, 2, "0X") == 0;
+    const std::string digits = text.substr(start + (hex ? 2 : 0));
+    if (digits.empty() || digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "0123456789") !=
+                              std::string::npos) {
+        return std::nullopt;
+    }
+    errno = 0;
+    const unsigned long long magnitude = std::strtoull(digits.c_str(), nullptr, hex ? 16 : 10);
+    // The magnitude of the bound on this side, computed without overflowing.
     const unsigned long long limit =
-        negative ? static_cast<unsigned long long>(LLONG_MAX) + 1 : LLONG_MAX;
-    unsigned long long magnitude = 0;
-    if (!parseMagnitude(digits, limit, magnitude)) {
-        return false;
+        negative ? (minimum < 0 ? static_cast<unsigned long long>(-(minimum + 1)) + 1 : 0)
+                 : static_cast<unsigned long long>(maximum);
+    if (errno == ERANGE || magnitude > limit || (negative && minimum >= 0)) {
+        return std::nullopt;
     }
-    if (!negative) {
-        value = static_cast<long long>(magnitude);
-    } else if (magnitude == static_cast<unsigned long long>(LLONG_MAX) + 1) {
-        value = LLONG_MIN;
-    } else {
-        value = -static_cast<long long>(magnitude);
-    }
-    return true;
+    return negative ? (magnitude == 0 ? 0 : -static_cast<long long>(magnitude - 1) - 1)
+                    : static_cast<long long>(magnitude);
 }
 
-void badArgument(const std::string& name, const std::string& text, const char* expected) {
-    reportError(name + ": expected " + expected + ", got '" + text + "'");
-    exitStatus() = 2;
+long long numberArgument(const char* name, const std::string& text, long long minimum,
+                         long long maximum) {
+    const std::optional<long long> value = parseNumber(text, minimum, maximum);
+    if (!value) {
+        failUsage(std::string(name) + ": '" + text + "' is not a whole number from " +
+                  std::to_string(minimum) + " to " + std::to_string(maximum) +
+                  " (decimal, or hexadecimal after 0x)");
+    }
+    return *value;
 }
 
-// The library is silent about unusable files, so the tool looks at the file itself first:
-// missing, not well-formed (with line and column) or without the table's root element.
-bool usableTable(const std::string& path, const char* rootName) {
-    const std::string problem = describeXmlProblem(path);
-    if (!problem.empty()) {
-        reportError(problem);
-        exitStatus() = 2;
-        return false;
+// Loads the table after making sure that it is one; the library would read anything else as
+// an empty table.
+template <typename Table> void load(Table& table, const std::string& path, check::FileKind kind) {
+    requireFileKind(path, kind);
+    if (!table.format(NString(path))) {
+        failUnreadable(path + ": the library could not read the table");
     }
-    pugi::xml_document document;
-    if (!document.load_file(path.c_str(), pugi::parse_default, pugi::encoding_utf8)) {
-        reportError(path + ": cannot be read");
-        exitStatus() = 2;
-        return false;
-    }
-    if (!document.child(rootName)) {
-        const pugi::xml_node actual = document.document_element();
-        reportError(path + ": not a table of this kind: the root element is <" +
-                    std::string(actual ? actual.name() : "") + ">, expected <" + rootName + ">");
-        exitStatus() = 2;
-        return false;
-    }
-    return true;
 }
 
-// The root's component, or null when the root itself could not be created.
-template <typename Component> Component* component(Component* (PRuntime::*accessor)()) {
-    PRuntime* root = PRuntime::getInstance();
-    return root != nullptr ? (root->*accessor)() : nullptr;
-}
-
-void notLoaded(const std::string& path) {
-    reportError(path + ": the table could not be loaded");
-    exitStatus() = 2;
-}
-
-void noRow(const std::string& what) {
-    std::cout << "no row matched " << what << '\n';
-    exitStatus() = 1;
-}
-
-void printField(const char* name, const NString& value) {
-    std::cout << name << value.data() << '\n';
-}
-
-struct CpidArguments {
-    std::string table;
-    std::string chip;
-    std::string board;
-};
-
-struct TextArguments {
-    std::string table;
-    std::string text;
-};
-
-void runCpid(const CpidArguments& arguments) {
-    unsigned int chip = 0;
-    unsigned int board = 0;
-    if (!parseUnsigned(arguments.chip, chip)) {
-        badArgument("CHIP", arguments.chip, "a decimal or 0x hexadecimal number");
-        return;
-    }
-    if (!parseUnsigned(arguments.board, board)) {
-        badArgument("BOARD", arguments.board, "a decimal or 0x hexadecimal number");
-        return;
-    }
-    if (!usableTable(arguments.table, "DEVICE")) {
-        return;
-    }
-    PRuntimeCpid* table = component(&PRuntime::cpid);
-    if (table == nullptr || !table->format(arguments.table.c_str())) {
-        notLoaded(arguments.table);
-        return;
-    }
-    const NString chipText = NString::format("%04X", chip);
-    const NString boardText = NString::format("%02X", board);
+void runCpid(const Lookup& lookup) {
+    // The library looks chips and boards up as unsigned int, printed in hexadecimal.
+    const auto chip = static_cast<unsigned int>(numberArgument("CHIP", lookup.query, 0, UINT_MAX));
+    const auto board =
+        static_cast<unsigned int>(numberArgument("BOARD", lookup.board, 0, UINT_MAX));
+    PRuntimeCpid table;
+    load(table, lookup.table, check::FileKind::Cpid);
+    // The texts that the rows are matched against, for the messages.
+    const std::string chipText = NString::format("%04X", chip).toStdString();
+    const std::string boardText = NString::format("%02X", board).toStdString();
     PRuntimeInfoCpid row;
-    if (!table->find(NDeviceInfoRecovery(chip, board), row)) {
-        noRow("chip " + chipText.toStdString() + " board " + boardText.toStdString() +
-              ", nor a board 00 row of the chip");
-        return;
+    const bool found = table.find(NDeviceInfoRecovery(chip, board), row);
+    const bool fallback = found && row.bdid().toStdString() != boardText;
+    std::vector<Field> fields;
+    if (found) {
+        fields = {{"CPID", "cpid", row.cpid().toStdString()},
+                  {"BDID", "bdid", row.bdid().toStdString()},
+                  {"MODE", "mode", row.mode().toStdString()},
+                  {"NETWORK", "network", row.network().toStdString()},
+                  {"PRODUCT", "product", row.product().toStdString()},
+                  {"SUPPORT", "support", row.support()}};
     }
-    printField("CPID:    ", row.cpid());
-    printField("BDID:    ", row.bdid());
-    printField("MODE:    ", row.mode());
-    printField("NETWORK: ", row.network());
-    printField("PRODUCT: ", row.product());
-    std::cout << "SUPPORT: " << (row.support() ? "yes" : "no") << '\n';
-    if (row.bdid() != boardText) {
-        std::cout << "(no row for board " << boardText.data()
-                  << "; this is the chip's default row)\n";
-    }
+    answer(lookup, {{"chip", chip}, {"board", board}, {"boardDefault", fallback}}, fields,
+           "chip " + chipText + " board " + boardText + ", nor a board 00 row of the chip",
+           fallback ? "(no row for board " + boardText + "; this is the chip's default row)"
+                    : std::string());
 }
 
-void runCrash(const TextArguments& arguments) {
-    if (!usableTable(arguments.table, "CRASH")) {
-        return;
+void runCrash(const Lookup& lookup) {
+    if (lookup.query.empty()) {
+        failUsage("TEXT: an empty text matches no row");
     }
-    PRuntimeCrashCode* table = component(&PRuntime::crashCode);
-    if (table == nullptr || !table->format(arguments.table.c_str())) {
-        notLoaded(arguments.table);
-        return;
-    }
-    bool found = false;
-    table->find(arguments.text.c_str(), [&found](const PRuntimeInfoCrash& row) {
-        found = true;
-        printField("KEY:      ", row.key());
-        printField("REASON:   ", row.reason());
-        printField("SOLUTION: ", row.solution());
+    PRuntimeCrashCode table;
+    load(table, lookup.table, check::FileKind::Crash);
+    std::vector<Field> fields;
+    table.find(NString(lookup.query), [&fields](const PRuntimeInfoCrash& row) {
+        fields = {{"KEY", "key", row.key().toStdString()},
+                  {"REASON", "reason", row.reason().toStdString()},
+                  {"SOLUTION", "solution", row.solution().toStdString()}};
     });
-    if (!found) {
-        noRow("the text \"" + arguments.text + "\"");
-    }
+    answer(lookup, {{"text", lookup.query}}, fields, "the text \"" + lookup.query + "\"");
 }
 
-void runRestoreError(const TextArguments& arguments) {
-    long long code = 0;
-    if (!parseSigned(arguments.text, code)) {
-        badArgument("CODE", arguments.text, "a signed 64-bit decimal or 0x hexadecimal number");
-        return;
-    }
-    if (!usableTable(arguments.table, "APPLE")) {
-        return;
-    }
+void runRestoreError(const Lookup& lookup) {
+    const long long code = numberArgument("CODE", lookup.query, LLONG_MIN, LLONG_MAX);
     // Normally owned by the restore component; the tool needs only the table itself.
     PRuntimeRestoreError table;
-    if (!table.format(arguments.table.c_str())) {
-        notLoaded(arguments.table);
-        return;
-    }
-    bool found = false;
-    table.find(code, [&found](const PRuntimeInfoRestoreError& row) {
-        found = true;
-        std::cout << "CODE:     " << row.code() << '\n';
-        printField("DESCRIBE: ", row.describe());
-        printField("SOLUTION: ", row.solution());
+    load(table, lookup.table, check::FileKind::RestoreError);
+    std::vector<Field> fields;
+    table.find(code, [&fields](const PRuntimeInfoRestoreError& row) {
+        fields = {{"CODE", "code", row.code()},
+                  {"DESCRIBE", "describe", row.describe().toStdString()},
+                  {"SOLUTION", "solution", row.solution().toStdString()}};
     });
-    if (!found) {
-        noRow("code " + std::to_string(code));
-    }
+    answer(lookup, {{"code", code}}, fields, "code " + std::to_string(code));
 }
 
-void runMapping(const TextArguments& arguments) {
-    if (!usableTable(arguments.table, "Nevor")) {
-        return;
+void runMapping(const Lookup& lookup) {
+    if (lookup.query.empty()) {
+        failUsage("VERSION: the library never looks up an empty version");
     }
-    PRuntimePluginMapping* table = component(&PRuntime::pluginMapping);
-    if (table == nullptr || !table->format(arguments.table.c_str())) {
-        notLoaded(arguments.table);
-        return;
-    }
+    PRuntimePluginMapping table;
+    load(table, lookup.table, check::FileKind::Mapping);
     NString mapping;
-    if (!table->find(arguments.text.c_str(), mapping)) {
-        noRow("version \"" + arguments.text + "\"");
-        return;
+    std::vector<Field> fields;
+    if (table.find(NString(lookup.query), mapping)) {
+        fields = {{"Version", "version", lookup.query},
+                  {"Mapping", "mapping", mapping.toStdString()}};
     }
-    std::cout << "Version: " << arguments.text << '\n';
-    printField("Mapping: ", mapping);
+    answer(lookup, {{"version", lookup.query}}, fields, "version \"" + lookup.query + "\"");
 }
 
-// Runs a subcommand's work and lets the root go afterwards, whatever the outcome.
-template <typename Arguments>
-void withRoot(void (*work)(const Arguments&), const Arguments& arguments) {
-    work(arguments);
-    PRuntime::freeInstance();
+// Adds a lookup subcommand with TABLE and --json; the caller adds the query's arguments.
+CLI::App* addLookup(CLI::App& app, const char* name, const char* description, const char* tableHelp,
+                    const std::shared_ptr<Lookup>& lookup, void (*run)(const Lookup&)) {
+    CLI::App* command = app.add_subcommand(name, description);
+    command->add_option("TABLE", lookup->table, tableHelp)->required();
+    addJsonFlag(*command, lookup->json);
+    command->callback([lookup, run] { run(*lookup); });
+    return command;
 }
 
 } // namespace
 
-// "pallix cpid", "pallix crash", "pallix restore-error", "pallix mapping": load a reference
-// table through the library and print the row that answers a query. Exit status 0 with a row,
-// 1 when no row matched, 2 when the table or an argument cannot be used.
 void registerTableCommands(CLI::App& app) {
-    auto cpidArguments = std::make_shared<CpidArguments>();
-    CLI::App* cpid = app.add_subcommand(
-        "cpid", "Find the device model of a chip and board identifier in a chip table");
-    cpid->add_option("TABLE", cpidArguments->table, "Chip identifier table (root DEVICE)")
+    auto cpid = std::make_shared<Lookup>();
+    CLI::App* command =
+        addLookup(app, "cpid", "Find the device model of a chip and board identifier",
+                  "Chip identifier table", cpid, runCpid);
+    command->add_option("CHIP", cpid->query, "Chip identifier, decimal or 0x hexadecimal")
         ->required();
-    cpid->add_option("CHIP", cpidArguments->chip, "Chip identifier, decimal or 0x hexadecimal")
+    command->add_option("BOARD", cpid->board, "Board identifier, decimal or 0x hexadecimal")
         ->required();
-    cpid->add_option("BOARD", cpidArguments->board, "Board identifier, decimal or 0x hexadecimal")
-        ->required();
-    cpid->callback([cpidArguments] { withRoot(runCpid, *cpidArguments); });
+    endHelp(*command,
+            "With --json: {\"chip\": NUMBER, \"board\": NUMBER, \"boardDefault\": BOOL (the row "
+            "is the chip's board 00 row), \"found\": BOOL, \"row\": {\"cpid\", \"bdid\", \"mode\", "
+            "\"network\", \"product\": TEXT, \"support\": BOOL} or null}.\n" +
+                std::string(kStatuses),
+            "pallix cpid samples/cpid.xml 0x8101 0x0C");
 
-    auto crashArguments = std::make_shared<TextArguments>();
-    CLI::App* crash = app.add_subcommand(
-        "crash", "Find the reason and solution of a failure text in a crash code table");
-    crash->add_option("TABLE", crashArguments->table, "Crash code table (root CRASH)")->required();
-    crash->add_option("TEXT", crashArguments->text, "Failure text or key fragment")->required();
-    crash->callback([crashArguments] { withRoot(runCrash, *crashArguments); });
+    auto crash = std::make_shared<Lookup>();
+    command = addLookup(app, "crash", "Find the reason and solution of a failure text",
+                        "Crash code table", crash, runCrash);
+    command->add_option("TEXT", crash->query, "Failure text or key fragment (case ignored)")
+        ->required();
+    endHelp(*command,
+            "With --json: {\"text\": TEXT, \"found\": BOOL, \"row\": {\"key\", \"reason\", "
+            "\"solution\": TEXT} or null}.\n" +
+                std::string(kStatuses),
+            "pallix crash samples/crash.xml AMRestore");
 
-    auto restoreArguments = std::make_shared<TextArguments>();
-    CLI::App* restore = app.add_subcommand(
-        "restore-error", "Find the description and solution of a restore error code");
-    restore->add_option("TABLE", restoreArguments->table, "Restore error table (root APPLE)")
+    auto restore = std::make_shared<Lookup>();
+    command =
+        addLookup(app, "restore-error", "Find the description and solution of a restore error code",
+                  "Restore error table", restore, runRestoreError);
+    command
+        ->add_option("CODE", restore->query,
+                     "Error code (signed 64-bit), decimal or 0x hexadecimal, with an optional "
+                     "minus")
         ->required();
-    restore
-        ->add_option("CODE", restoreArguments->text,
-                     "Error code, decimal or 0x hexadecimal, with an optional minus")
-        ->required();
-    restore->callback([restoreArguments] { withRoot(runRestoreError, *restoreArguments); });
+    endHelp(*command,
+            "With --json: {\"code\": NUMBER, \"found\": BOOL, \"row\": {\"code\": NUMBER, "
+            "\"describe\", \"solution\": TEXT} or null}.\n" +
+                std::string(kStatuses),
+            "pallix restore-error samples/restore-error.xml -35");
 
-    auto mappingArguments = std::make_shared<TextArguments>();
-    CLI::App* mapping =
-        app.add_subcommand("mapping", "Find the mapped plug-in version of a version");
-    mapping->add_option("TABLE", mappingArguments->table, "Plug-in mapping table (root Nevor)")
-        ->required();
-    mapping->add_option("VERSION", mappingArguments->text, "Version text, matched exactly")
-        ->required();
-    mapping->callback([mappingArguments] { withRoot(runMapping, *mappingArguments); });
+    auto mapping = std::make_shared<Lookup>();
+    command = addLookup(app, "mapping", "Find the plug-in version that a version is mapped to",
+                        "Plug-in mapping table", mapping, runMapping);
+    command->add_option("VERSION", mapping->query, "Version text, matched exactly")->required();
+    endHelp(*command,
+            "With --json: {\"version\": TEXT, \"found\": BOOL, \"row\": {\"version\", "
+            "\"mapping\": TEXT} or null}.\n" +
+                std::string(kStatuses),
+            "pallix mapping samples/plugin-mapping.xml 16.4.1");
 }
 
 } // namespace pallix::tool
