@@ -37,6 +37,8 @@ std::string describeKind(check::FileKind kind) {
         return "a restore firmware store";
     case check::FileKind::Version:
         return "a version file";
+    case check::FileKind::OldNotify:
+        return "a notification of the old layout";
     }
     return "a file of kind " + check::nameOf(kind);
 }

@@ -112,4 +112,19 @@ Detection detectXmlKind(SourceFile& file, const pugi::xml_document& document) {
     return detection;
 }
 
+std::optional<FileKind> detectFileKind(SourceFile& file) {
+    if (looksLikeJson(file.text())) {
+        return FileKind::Factory;
+    }
+    pugi::xml_document document;
+    if (!parseXml(file, document)) {
+        return std::nullopt;
+    }
+    const Detection detection = detectXmlKind(file, document);
+    if (!detection.ambiguity.empty()) {
+        file.error(0, detection.ambiguity);
+    }
+    return detection.kind;
+}
+
 } // namespace pallix::check

@@ -49,4 +49,9 @@ struct Detection {
 // root's children).
 Detection detectXmlKind(SourceFile& file, const pugi::xml_document& document);
 
+// The kind of a whole file from its text: factory information when it looks like JSON,
+// otherwise the kind its XML tells. Nothing when the file does not parse or its kind cannot be
+// told; a finding says why.
+std::optional<FileKind> detectFileKind(SourceFile& file);
+
 } // namespace pallix::check
