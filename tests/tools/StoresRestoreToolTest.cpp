@@ -1,16 +1,21 @@
-#include "ReadOnlyDirectory.h"
+// "pallix factory" and "pallix ipsw" on configuration directories made up by the tests.
+
+#include "StoreFileState.h"
 #include "TemporaryDirectory.h"
 #include "ToolRunner.h"
 
 #include "PallixRuntime.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <filesystem>
 #include <string>
 #include <vector>
 
+using pallix::test::ageFile;
 using pallix::test::runTool;
+using pallix::test::stateOf;
 using pallix::test::TemporaryDirectory;
 using pallix::test::ToolResult;
 
@@ -54,19 +59,20 @@ TEST_F(StoresRestoreToolTest, FactoryListOfAnEmptyDirectoryPrintsNothing) {
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(result.errors, "");
     EXPECT_FALSE(std::filesystem::exists(factoryFile()));
+    EXPECT_EQ(run({"factory", "list", "--json"}).output, "[]\n");
 }
 
 TEST_F(StoresRestoreToolTest, FactoryAddThenListShowsTheDevicesInIdOrder) {
-    ASSERT_EQ(run({"factory", "add", "8101", "SerialNumber=DNPXK2ABHG7F", "Color=1"}).status, 0);
-    const ToolResult added = run({"factory", "add", "0x1a2b", "ModelNumber=MQ3D2LL/A"});
-    EXPECT_EQ(added.status, 0) << added.errors;
+    const ToolResult first =
+        run({"factory", "add", "8101", "SerialNumber=DNPXK2ABHG7F", "Color=1"});
+    EXPECT_EQ(first.status, 0) << first.errors;
+    EXPECT_EQ(first.output, "added device 0000000000008101\n");
+    ASSERT_EQ(run({"factory", "add", "0x1a2b", "ModelNumber=MQ3D2LL/A"}).status, 0);
     const ToolResult result = run({"factory", "list"});
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "0000000000001A2B\n"
-                             "\tModelNumber: MQ3D2LL/A\n"
-                             "0000000000008101\n"
-                             "\tSerialNumber: DNPXK2ABHG7F\n"
-                             "\tColor: 1\n");
+    EXPECT_EQ(result.output, "0000000000001A2B\tModelNumber\tMQ3D2LL/A\n"
+                             "0000000000008101\tSerialNumber\tDNPXK2ABHG7F\n"
+                             "0000000000008101\tColor\t1\n");
     // What the tool wrote is what the library reads.
     NApplication::setDirectoryConfig(NString(directory.path()));
     PRuntimeFactory store;
@@ -74,22 +80,85 @@ TEST_F(StoresRestoreToolTest, FactoryAddThenListShowsTheDevicesInIdOrder) {
     EXPECT_TRUE(store.find(0x8101));
 }
 
+TEST_F(StoresRestoreToolTest, FactoryListAsJsonGivesTheValuesAsTheFileKeepsThem) {
+    ASSERT_EQ(run({"factory", "add", "ab", "Serial=DN", "Nonce=base64:AH//"}).status, 0);
+    const ToolResult listed = run({"factory", "list", "--json"});
+    EXPECT_EQ(listed.status, 0) << listed.errors;
+    EXPECT_EQ(nlohmann::json::parse(listed.output), nlohmann::json::parse(R"([
+        {"id": "00000000000000AB", "values": [
+            {"key": "Serial", "base64": "RE4=", "text": "DN"},
+            {"key": "Nonce", "base64": "AH//", "text": null}]}])"));
+    EXPECT_EQ(TemporaryDirectory::read(factoryFile()),
+              R"({"00000000000000AB":{"Serial":"RE4=","Nonce":"AH//"}})");
+}
+
 TEST_F(StoresRestoreToolTest, FactoryAddReplacesTheWholeRecord) {
     ASSERT_EQ(run({"factory", "add", "42", "A=1", "B=2"}).status, 0);
-    ASSERT_EQ(run({"factory", "add", "42", "C=3"}).status, 0);
-    EXPECT_EQ(run({"factory", "list"}).output, "0000000000000042\n\tC: 3\n");
+    const ToolResult replaced = run({"factory", "add", "42", "C=3"});
+    EXPECT_EQ(replaced.status, 0) << replaced.errors;
+    EXPECT_EQ(replaced.output, "replaced the values of device 0000000000000042\n");
+    EXPECT_EQ(run({"factory", "list"}).output, "0000000000000042\tC\t3\n");
+}
+
+TEST_F(StoresRestoreToolTest, FactoryAddOfTheSameValuesWritesNothing) {
+    ASSERT_EQ(run({"factory", "add", "42", "A=1", "B=base64:AP8="}).status, 0);
+    const auto before = ageFile(factoryFile());
+    const ToolResult again = run({"factory", "add", "0x0042", "A=1", "B=base64:AP8="});
+    EXPECT_EQ(again.status, 0) << again.errors;
+    EXPECT_EQ(again.output, "");
+    EXPECT_EQ(again.errors,
+              "pallix: note: device 0000000000000042 already holds these values; unchanged\n");
+    EXPECT_EQ(stateOf(factoryFile()), before);
 }
 
 TEST_F(StoresRestoreToolTest, FactoryAddKeepsEverythingAfterTheFirstEqualsSign) {
-    ASSERT_EQ(run({"factory", "add", "7", "Note=a=b", "Empty="}).status, 0);
-    EXPECT_EQ(run({"factory", "list"}).output, "0000000000000007\n\tNote: a=b\n\tEmpty: \n");
+    ASSERT_EQ(run({"factory", "add", "7", "Note=a=b", "Empty=", "Tab=a\tb"}).status, 0);
+    EXPECT_EQ(
+        run({"factory", "list"}).output,
+        "0000000000000007\tNote\ta=b\n0000000000000007\tEmpty\t\n0000000000000007\tTab\ta\\tb\n");
 }
 
-TEST_F(StoresRestoreToolTest, FactoryAddRefusesABadDeviceIdentifier) {
-    for (const char* id : {"0", "0x0", "xyz", "12G", "11112222333344445", ""}) {
-        const ToolResult result = run({"factory", "add", id, "A=1"});
-        EXPECT_EQ(result.status, 1) << id;
-        EXPECT_TRUE(contains(result.errors, "not a device identifier")) << result.errors;
+TEST_F(StoresRestoreToolTest, FactoryValuesThatAreNotTextGoInAndOutAsBase64) {
+    // Bytes, and text that would read as base64, are shown as base64; typed back, they give
+    // the same bytes.
+    ASSERT_EQ(run({"factory", "add", "7", "Nonce=base64:AH//", "Odd=base64:YmFzZTY0Onhx"}).status,
+              0);
+    const std::string listed = run({"factory", "list"}).output;
+    EXPECT_EQ(listed, "0000000000000007\tNonce\tbase64:AH//\n0000000000000007\tOdd\tbase64:"
+                      "YmFzZTY0Onhx\n");
+    NApplication::setDirectoryConfig(NString(directory.path()));
+    PRuntimeFactory store;
+    store.traverse([](unsigned long long, const NDeviceInfoFactory& info) {
+        EXPECT_EQ(info.value(NString("Nonce")).toStdString(), std::string("\x00\x7f\xff", 3));
+        EXPECT_EQ(info.value(NString("Odd")).toStdString(), "base64:xq");
+    });
+}
+
+TEST_F(StoresRestoreToolTest, FactoryAddRefusesValuesTheStoreWouldNotKeep) {
+    for (const char* value :
+         {"N=base64:AH/", "N=base64:A===", "N=base64:AB==", "N=base64:A H=", "N=base64:AH//=="}) {
+        const ToolResult result = run({"factory", "add", "7", value});
+        EXPECT_EQ(result.status, 2) << value;
+        EXPECT_TRUE(contains(result.errors, "not base64")) << result.errors;
+    }
+    const ToolResult key = run({"factory", "add", "7", "\xff=1"});
+    EXPECT_EQ(key.status, 2);
+    EXPECT_TRUE(contains(key.errors, "not UTF-8")) << key.errors;
+    const ToolResult twice = run({"factory", "add", "7", "A=1", "A=2"});
+    EXPECT_EQ(twice.status, 2);
+    EXPECT_TRUE(contains(twice.errors, "the key 'A' is given twice")) << twice.errors;
+    EXPECT_FALSE(std::filesystem::exists(factoryFile()));
+}
+
+TEST_F(StoresRestoreToolTest, FactoryRefusesABadDeviceIdentifier) {
+    for (const char* id : {"0", "0x0", "xyz", "12G", "11112222333344445", "", "-1", "0x"}) {
+        for (const char* action : {"add", "remove"}) {
+            const ToolResult result = std::string(action) == "add"
+                                          ? run({"factory", action, id, "A=1"})
+                                          : run({"factory", action, id});
+            EXPECT_EQ(result.status, 2) << action << " " << id;
+            EXPECT_TRUE(contains(result.errors, "device")) << result.errors;
+        }
     }
     EXPECT_FALSE(std::filesystem::exists(factoryFile()));
 }
@@ -97,15 +166,10 @@ TEST_F(StoresRestoreToolTest, FactoryAddRefusesABadDeviceIdentifier) {
 TEST_F(StoresRestoreToolTest, FactoryAddRefusesAValueWithoutKey) {
     for (const char* pair : {"novalue", "=value"}) {
         const ToolResult result = run({"factory", "add", "12", pair});
-        EXPECT_EQ(result.status, 1) << pair;
-        EXPECT_TRUE(contains(result.errors, "not KEY=VALUE")) << result.errors;
+        EXPECT_EQ(result.status, 2) << pair;
+        EXPECT_TRUE(contains(result.errors, "is not KEY=VALUE")) << result.errors;
     }
-    EXPECT_FALSE(std::filesystem::exists(factoryFile()));
-}
-
-TEST_F(StoresRestoreToolTest, FactoryAddNeedsAtLeastOneValue) {
-    const ToolResult result = run({"factory", "add", "12"});
-    EXPECT_NE(result.status, 0);
+    EXPECT_EQ(run({"factory", "add", "12"}).status, 2);
     EXPECT_FALSE(std::filesystem::exists(factoryFile()));
 }
 
@@ -114,65 +178,38 @@ TEST_F(StoresRestoreToolTest, FactoryRemoveForgetsADevice) {
     ASSERT_EQ(run({"factory", "add", "2", "B=2"}).status, 0);
     const ToolResult result = run({"factory", "remove", "0x01"});
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(run({"factory", "list"}).output, "0000000000000002\n\tB: 2\n");
+    EXPECT_EQ(result.output, "removed device 0000000000000001\n");
+    EXPECT_EQ(run({"factory", "list"}).output, "0000000000000002\tB\t2\n");
 }
 
 TEST_F(StoresRestoreToolTest, FactoryRemoveOfAnUnknownDeviceFailsAndWritesNothing) {
+    ASSERT_EQ(run({"factory", "add", "1", "A=1"}).status, 0);
+    const auto before = ageFile(factoryFile());
     const ToolResult result = run({"factory", "remove", "99"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(contains(result.errors, "no factory information for device 0000000000000099"))
-        << result.errors;
-    EXPECT_FALSE(std::filesystem::exists(factoryFile()));
+    EXPECT_EQ(result.errors, "pallix: no factory information for device 0000000000000099\n");
+    EXPECT_EQ(stateOf(factoryFile()), before);
 }
 
-TEST_F(StoresRestoreToolTest, FactoryListShowsBinaryValuesInHexadecimal) {
-    NApplication::setDirectoryConfig(NString(directory.path()));
-    {
-        PRuntimeFactory store;
-        NDeviceInfoFactory info;
-        info.append(NString("Nonce"), NByteArray(std::string("\x00\x7F\xFF", 3)));
-        store.append(0xAB, info);
-    }
-    EXPECT_EQ(run({"factory", "list"}).output, "00000000000000AB\n\tNonce: hex:007fff\n");
-}
-
-TEST_F(StoresRestoreToolTest, FactoryListOfAMalformedFileFails) {
+TEST_F(StoresRestoreToolTest, FactoryListOfAMalformedFileFailsWith2) {
     TemporaryDirectory::write(factoryFile(), "{\"0000000000000001\": {");
     const ToolResult result = run({"factory", "list"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(contains(result.errors, "Factory.json: not a JSON object")) << result.errors;
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, factoryFile() + ": is not valid JSON; the library reads "
+                                                        "it as empty"))
+        << result.errors;
     EXPECT_EQ(result.output, "");
 }
 
-TEST_F(StoresRestoreToolTest, FactoryListSaysWhichMembersTheStoreSkips) {
+TEST_F(StoresRestoreToolTest, FactoryListShowsWhatTheLibraryKeeps) {
     TemporaryDirectory::write(factoryFile(), R"({"1a2b":{"A":"MQ=="},"serial":{"A":"MQ=="},)"
                                              R"("0000000000000003":"text",)"
                                              R"("0000000000000004":{},)"
                                              R"("0000000000001A2B":{"B":"Mg=="}})");
     const ToolResult result = run({"factory", "list"});
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "0000000000001A2B\n\tA: 1\n");
-    EXPECT_TRUE(contains(result.errors, "\"serial\" is not a device identifier")) << result.errors;
-    EXPECT_TRUE(contains(result.errors, "\"0000000000000003\" is not an object")) << result.errors;
-    EXPECT_TRUE(contains(result.errors, "\"0000000000000004\" holds no values")) << result.errors;
-    EXPECT_TRUE(contains(result.errors, "\"0000000000001A2B\" names device 0000000000001A2B again"))
-        << result.errors;
-}
-
-TEST_F(StoresRestoreToolTest, FactoryCommandsRefuseAMissingConfigurationDirectory) {
-    const std::string missing = directory.file("missing");
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"factory", "list"},
-          std::vector<std::string>{"factory", "add", "1", "A=1"},
-          std::vector<std::string>{"factory", "remove", "1"}}) {
-        std::vector<std::string> full = arguments;
-        full.push_back("--config-dir");
-        full.push_back(missing);
-        const ToolResult result = runTool(full);
-        EXPECT_EQ(result.status, 1) << arguments[1];
-        EXPECT_TRUE(contains(result.errors, missing + ": no such directory")) << result.errors;
-    }
-    EXPECT_FALSE(std::filesystem::exists(missing));
+    EXPECT_EQ(result.output, "0000000000001A2B\tA\t1\n");
+    EXPECT_EQ(result.errors, "");
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -183,17 +220,20 @@ TEST_F(StoresRestoreToolTest, IpswListOfAnEmptyDirectoryPrintsNothing) {
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(result.output, "");
     EXPECT_FALSE(std::filesystem::exists(ipswFile()));
+    EXPECT_EQ(run({"ipsw", "list", "--json"}).output, "[]\n");
 }
 
 TEST_F(StoresRestoreToolTest, IpswAddThenListAndFind) {
     const std::string a = firmware("a.ipsw");
     const std::string b = firmware("b.ipsw");
-    ASSERT_EQ(run({"ipsw", "add", urlA, a}).status, 0);
+    const ToolResult added = run({"ipsw", "add", urlA, a});
+    EXPECT_EQ(added.status, 0) << added.errors;
+    EXPECT_EQ(added.output, "matched " + urlA + " to " + a + "\n");
     ASSERT_EQ(run({"ipsw", "add", urlB, b}).status, 0);
     const ToolResult list = run({"ipsw", "list"});
     EXPECT_EQ(list.status, 0) << list.errors;
-    // In file order, which is the byte order of the addresses.
-    EXPECT_EQ(list.output, urlB + " -> " + b + "\n" + urlA + " -> " + a + "\n");
+    // By address.
+    EXPECT_EQ(list.output, urlB + "\t" + b + "\n" + urlA + "\t" + a + "\n");
     const ToolResult find = run({"ipsw", "find", urlA});
     EXPECT_EQ(find.status, 0) << find.errors;
     EXPECT_EQ(find.output, a + "\n");
@@ -203,12 +243,38 @@ TEST_F(StoresRestoreToolTest, IpswAddThenListAndFind) {
     EXPECT_EQ(store.find(NString(urlB)).toStdString(), b);
 }
 
+TEST_F(StoresRestoreToolTest, IpswListAndFindAsJson) {
+    const std::string a = firmware("a.ipsw");
+    ASSERT_EQ(run({"ipsw", "add", urlA, a}).status, 0);
+    const ToolResult list = run({"ipsw", "list", "--json"});
+    EXPECT_EQ(list.status, 0) << list.errors;
+    EXPECT_EQ(nlohmann::json::parse(list.output),
+              nlohmann::json::array({{{"url", urlA}, {"local", a}}}));
+    const ToolResult find = run({"ipsw", "find", urlA, "--json"});
+    EXPECT_EQ(find.status, 0) << find.errors;
+    EXPECT_EQ(nlohmann::json::parse(find.output), nlohmann::json({{"url", urlA}, {"local", a}}));
+}
+
 TEST_F(StoresRestoreToolTest, IpswAddReplacesAnEarlierMatch) {
     const std::string a = firmware("a.ipsw");
     const std::string b = firmware("b.ipsw");
     ASSERT_EQ(run({"ipsw", "add", urlA, a}).status, 0);
-    ASSERT_EQ(run({"ipsw", "add", urlA, b}).status, 0);
-    EXPECT_EQ(run({"ipsw", "list"}).output, urlA + " -> " + b + "\n");
+    const ToolResult result = run({"ipsw", "add", urlA, b});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "rematched " + urlA + " to " + b + " (was " + a + ")\n");
+    EXPECT_EQ(run({"ipsw", "list"}).output, urlA + "\t" + b + "\n");
+}
+
+TEST_F(StoresRestoreToolTest, IpswAddOfTheSameMatchWritesNothing) {
+    const std::string a = firmware("a.ipsw");
+    ASSERT_EQ(run({"ipsw", "add", urlA, a}).status, 0);
+    const auto before = ageFile(ipswFile());
+    const ToolResult result = run({"ipsw", "add", urlA, a});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors,
+              "pallix: note: " + urlA + " is already matched to " + a + "; unchanged\n");
+    EXPECT_EQ(stateOf(ipswFile()), before);
 }
 
 TEST_F(StoresRestoreToolTest, IpswAddKeepsTheLocalFileAsAnAbsolutePath) {
@@ -222,8 +288,22 @@ TEST_F(StoresRestoreToolTest, IpswAddKeepsTheLocalFileAsAnAbsolutePath) {
 
 TEST_F(StoresRestoreToolTest, IpswAddRefusesALocalFileThatDoesNotExist) {
     const ToolResult result = run({"ipsw", "add", urlA, directory.file("never.ipsw")});
-    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.status, 2);
     EXPECT_TRUE(contains(result.errors, "never.ipsw: no such file")) << result.errors;
+    EXPECT_FALSE(std::filesystem::exists(ipswFile()));
+}
+
+TEST_F(StoresRestoreToolTest, IpswAddRefusesTextsThatXmlCannotCarry) {
+    const std::string a = firmware("a.ipsw");
+    for (const auto& arguments :
+         std::vector<std::vector<std::string>>{{"ipsw", "add", urlA + "\x01", a},
+                                               {"ipsw", "add", "\xfe", a},
+                                               {"ipsw", "add", "", a}}) {
+        const ToolResult result = run(arguments);
+        EXPECT_EQ(result.status, 2) << result.errors;
+    }
+    const std::string odd = firmware("odd\x02.ipsw");
+    EXPECT_EQ(run({"ipsw", "add", urlA, odd}).status, 2);
     EXPECT_FALSE(std::filesystem::exists(ipswFile()));
 }
 
@@ -234,37 +314,35 @@ TEST_F(StoresRestoreToolTest, IpswRemoveForgetsAMatch) {
     ASSERT_EQ(run({"ipsw", "add", urlB, b}).status, 0);
     const ToolResult result = run({"ipsw", "remove", urlA});
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(run({"ipsw", "list"}).output, urlB + " -> " + b + "\n");
+    EXPECT_EQ(result.output, "forgot the match of " + urlA + "\n");
+    EXPECT_EQ(run({"ipsw", "list"}).output, urlB + "\t" + b + "\n");
 }
 
-TEST_F(StoresRestoreToolTest, IpswRemoveAndFindOfAnUnknownAddressFail) {
-    const ToolResult remove = run({"ipsw", "remove", urlA});
+TEST_F(StoresRestoreToolTest, IpswRemoveAndFindOfAnUnknownAddressAreNotFound) {
+    const std::string a = firmware("a.ipsw");
+    ASSERT_EQ(run({"ipsw", "add", urlA, a}).status, 0);
+    const auto before = ageFile(ipswFile());
+    const ToolResult remove = run({"ipsw", "remove", urlB});
     EXPECT_EQ(remove.status, 1);
-    EXPECT_TRUE(contains(remove.errors, urlA + ": no local file matched")) << remove.errors;
-    EXPECT_FALSE(std::filesystem::exists(ipswFile()));
-    const ToolResult find = run({"ipsw", "find", urlA});
+    EXPECT_EQ(remove.errors, "pallix: " + urlB + ": no local file matched\n");
+    EXPECT_EQ(stateOf(ipswFile()), before);
+    const ToolResult find = run({"ipsw", "find", urlB, "--json"});
     EXPECT_EQ(find.status, 1);
     EXPECT_EQ(find.output, "");
 }
 
-TEST_F(StoresRestoreToolTest, IpswListOfAMalformedFileGivesLineAndColumn) {
+TEST_F(StoresRestoreToolTest, IpswListOfAMalformedFileFailsWith2) {
     TemporaryDirectory::write(ipswFile(),
                               "<Rilo>\n<MATCH>\n<MATCH URL=\"a\" LOCAL=\"/\">\n</Rilo>\n");
     const ToolResult result = run({"ipsw", "list"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(contains(result.errors, "RestoreIpsw.xml:4:")) << result.errors;
-    EXPECT_TRUE(contains(result.errors, "not well-formed XML")) << result.errors;
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, ipswFile() + ": not well-formed XML")) << result.errors;
+    EXPECT_TRUE(contains(result.errors, "the library reads it as empty")) << result.errors;
     EXPECT_EQ(result.output, "");
+    EXPECT_EQ(run({"ipsw", "find", "a"}).status, 2);
 }
 
-TEST_F(StoresRestoreToolTest, IpswListOfAFileWithoutContainerFails) {
-    TemporaryDirectory::write(ipswFile(), "<Rilo><BIND/></Rilo>");
-    const ToolResult result = run({"ipsw", "list"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(contains(result.errors, "no <Rilo><MATCH> container")) << result.errors;
-}
-
-TEST_F(StoresRestoreToolTest, IpswListSaysWhichEntriesTheStoreSkips) {
+TEST_F(StoresRestoreToolTest, IpswListShowsWhatTheLibraryKeeps) {
     const std::string a = firmware("a.ipsw");
     const std::string b = firmware("b.ipsw");
     TemporaryDirectory::write(ipswFile(), "<Rilo><MATCH>"
@@ -280,47 +358,6 @@ TEST_F(StoresRestoreToolTest, IpswListSaysWhichEntriesTheStoreSkips) {
                                               "</MATCH></Rilo>");
     const ToolResult result = run({"ipsw", "list"});
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, urlA + " -> " + a + "\n");
-    EXPECT_TRUE(contains(result.errors, "\"/gone.ipsw\" is gone")) << result.errors;
-    EXPECT_TRUE(contains(result.errors, "matched again to \"" + b + "\"")) << result.errors;
-}
-
-TEST_F(StoresRestoreToolTest, IpswCommandsRefuseAMissingConfigurationDirectory) {
-    const std::string missing = directory.file("missing");
-    const std::string a = firmware("a.ipsw");
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"ipsw", "list"}, std::vector<std::string>{"ipsw", "find", urlA},
-          std::vector<std::string>{"ipsw", "add", urlA, a},
-          std::vector<std::string>{"ipsw", "remove", urlA}}) {
-        std::vector<std::string> full = arguments;
-        full.push_back("--config-dir");
-        full.push_back(missing);
-        const ToolResult result = runTool(full);
-        EXPECT_EQ(result.status, 1) << arguments[1];
-        EXPECT_TRUE(contains(result.errors, missing + ": no such directory")) << result.errors;
-    }
-    EXPECT_FALSE(std::filesystem::exists(missing));
-}
-
-TEST_F(StoresRestoreToolTest, SubcommandIsRequired) {
-    EXPECT_NE(runTool({"factory"}).status, 0);
-    EXPECT_NE(runTool({"ipsw"}).status, 0);
-    const ToolResult help = runTool({"--help"});
-    EXPECT_TRUE(contains(help.output, "factory"));
-    EXPECT_TRUE(contains(help.output, "ipsw"));
-}
-
-TEST_F(StoresRestoreToolTest, ChangesThatCannotBeWrittenAreReported) {
-    const std::string a = firmware("a.ipsw");
-    const std::string dir = directory.path();
-    const int status = pallix::test::runWithReadOnlyDirectory(dir, [&] {
-        const ToolResult factory = runTool({"factory", "add", "1", "A=1", "--config-dir", dir});
-        const ToolResult ipsw = runTool({"ipsw", "add", urlA, a, "--config-dir", dir});
-        return factory.status == 1 &&
-               contains(factory.errors, "Factory.json: could not be written") && ipsw.status == 1 &&
-               contains(ipsw.errors, "RestoreIpsw.xml: could not be written");
-    });
-    EXPECT_EQ(status, 0);
-    EXPECT_FALSE(std::filesystem::exists(factoryFile()));
-    EXPECT_FALSE(std::filesystem::exists(ipswFile()));
+    EXPECT_EQ(result.output, urlA + "\t" + a + "\n");
+    EXPECT_EQ(result.errors, "");
 }

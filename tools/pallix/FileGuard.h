@@ -15,6 +15,10 @@ namespace pallix::tool {
 // Something other than a regular file is never replaced, forced or not.
 void guardFile(const std::string& path, check::FileKind kind, bool force);
 
+// Before a listing: a file that exists but that the library cannot read as `kind` would list
+// as empty. Fails (status 2) naming the file, saying so and pointing to "pallix check".
+void guardReading(const std::string& path, check::FileKind kind);
+
 void addForceFlag(CLI::App& command, bool& force);
 
 } // namespace pallix::tool

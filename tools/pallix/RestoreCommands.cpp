@@ -1,25 +1,23 @@
-// "pallix factory" and "pallix ipsw": the factory information of devices ("/Factory.json") and
-// the firmware files matched by hand to download addresses ("/RestoreIpsw.xml") of a
-// configuration directory. Changes go through the library's stores; the listings also say
-// what the silent stores skip in a file, and why.
+// "pallix factory" and "pallix ipsw": the factory information of devices ("Factory.json") and
+// the firmware files matched by hand to download addresses ("RestoreIpsw.xml") of a
+// configuration directory, listed and changed through the library's stores.
 
 #include "Commands.h"
+#include "Failure.h"
+#include "FileGuard.h"
+#include "StoreCommon.h"
 #include "ToolOutput.h"
+#include "Values.h"
 
-#include "NApplication.h"
 #include "NFileSystem.h"
 #include "NJsonObject.h"
 #include "PRuntimeFactory.h"
 #include "PRuntimeRestoreCustomFirmware.h"
 
-#include <pugixml.hpp>
-
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <iostream>
-#include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -28,349 +26,343 @@ namespace pallix::tool {
 
 namespace {
 
-// The configuration directory a subcommand works on: --config-dir, or the application's own.
-struct ConfigDirectoryOption {
-    std::string directory;
-
-    void addTo(CLI::App* command) {
-        command->add_option("--config-dir", directory,
-                            "Configuration directory (default: the application's own)");
-    }
-
-    // Hands the directory to the library; false, with a message, when it is not a directory.
-    bool apply() const {
-        const std::string path =
-            directory.empty() ? NApplication::DirectoryConfig().toStdString() : directory;
-        std::error_code error;
-        if (!std::filesystem::is_directory(path, error)) {
-            reportError(path + ": no such directory");
-            exitStatus() = 1;
-            return false;
-        }
-        NApplication::setDirectoryConfig(NString(path));
-        return true;
-    }
-
-    std::string file(const char* name) const {
-        return NApplication::DirectoryConfig().toStdString() + name;
-    }
-};
-
-void warn(const std::string& message) {
-    reportError("warning: " + message);
-}
-
-void fail(const std::string& message) {
-    reportError(message);
-    exitStatus() = 1;
-}
+// The stores' file names, as the library keeps them.
+const char* const kFactoryFile = "/Factory.json";
+const char* const kIpswFile = "/RestoreIpsw.xml";
 
 // ---------------------------------------------------------------------------------------------
 // Factory information
 
-// A device identifier as the user types it: 1 to 16 hexadecimal digits, with or without "0x".
-bool parseDeviceId(const std::string& text, unsigned long long& id) {
-    std::string digits = text;
-    if (digits.size() > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X')) {
-        digits = digits.substr(2);
-    }
+// How a value that is not plain text is shown and typed: its bytes in base64 after this prefix.
+const std::string kBase64Prefix = "base64:";
+
+struct FactoryOptions {
+    std::string configDirectory;
+    bool json = false;
+    bool force = false;
+    std::string id;
+    std::vector<std::string> values;
+};
+
+// A device identifier as the user types it: 1 to 16 hexadecimal digits, with or without "0x",
+// not 0 (the store drops id 0 when it reads the file).
+unsigned long long parseDeviceId(const std::string& text) {
+    const bool prefixed = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+    const std::string digits = prefixed ? text.substr(2) : text;
     if (digits.empty() || digits.size() > 16 ||
         digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
-        return false;
+        failUsage("'" + text + "' is not a device identifier (1 to 16 hexadecimal digits)");
     }
-    id = std::strtoull(digits.c_str(), nullptr, 16);
-    return id != 0;
+    const unsigned long long id = std::stoull(digits, nullptr, 16);
+    if (id == 0) {
+        failUsage("'" + text + "' is device 0, which the store does not read back");
+    }
+    return id;
 }
 
 std::string deviceName(unsigned long long id) {
     return NString::format("%016llX", id).toStdString();
 }
 
-// Printable text as it is; anything else as "hex:" and two digits a byte.
-std::string showBytes(const NByteArray& bytes) {
-    const std::string& raw = bytes.toStdString();
-    bool printable = true;
-    for (const char c : raw) {
-        const auto byte = static_cast<unsigned char>(c);
-        printable = printable && byte >= 0x20 && byte < 0x7F;
-    }
-    if (printable) {
-        return raw;
-    }
-    static const char digits[] = "0123456789abcdef";
-    std::string text = "hex:";
-    for (const char c : raw) {
-        const auto byte = static_cast<unsigned char>(c);
-        text += digits[byte >> 4];
-        text += digits[byte & 0xF];
-    }
-    return text;
+// The store keeps a value as base64 text in its JSON object: ask the same object for the
+// encoding, so that what the tool shows is what the file holds.
+std::string toBase64(const NByteArray& bytes) {
+    NJsonObject holder;
+    holder.append(NString("value"), bytes);
+    return holder.toText(NString("value")).toStdString();
 }
 
-// Says which members of the factory file the store skips. False when the file is there but
-// holds no JSON object at all.
-bool checkFactoryFile(const std::string& path) {
-    if (!std::filesystem::exists(path)) {
+// The bytes of base64 text as the store reads them back; nothing for text that it would read
+// as other bytes (not base64) or write back differently.
+std::optional<NByteArray> fromBase64(const std::string& text) {
+    NJsonObject holder;
+    holder.append(NString("value"), NString(text));
+    NByteArray bytes = holder.toBytes(NString("value"));
+    return toBase64(bytes) == text ? std::optional<NByteArray>(bytes) : std::nullopt;
+}
+
+// Plain text shows as it is; other bytes, and text that would read as base64, in base64.
+std::string showValue(const NByteArray& bytes) {
+    const std::string& raw = bytes.toStdString();
+    const bool plain = xmlTextProblem(raw).empty() && raw.rfind(kBase64Prefix, 0) != 0;
+    return plain ? raw : kBase64Prefix + toBase64(bytes);
+}
+
+bool isUtf8(const std::string& text) {
+    try {
+        (void)nlohmann::json(text).dump();
         return true;
-    }
-    const NJsonObject document(NFileSystem::file::toBytes(NString(path)));
-    if (!document.exist()) {
-        fail(path + ": not a JSON object; the store reads it as empty");
+    } catch (const nlohmann::json::type_error&) {
         return false;
     }
-    std::vector<NString> names;
-    document.traverse([&names](const NString& name) { names.push_back(name); });
-    std::set<unsigned long long> seen;
-    for (const NString& name : names) {
-        const unsigned long long id = std::strtoull(name.data(), nullptr, 16);
-        const std::string member = path + ": member \"" + name.toStdString() + "\"";
-        const NJsonObject values = document.toObject(name);
-        if (id == 0) {
-            warn(member + " is not a device identifier; ignored");
-        } else if (!values.exist()) {
-            warn(member + " is not an object; ignored");
-        } else if (values.size() == 0) {
-            warn(member + " holds no values; ignored");
-        } else if (!seen.insert(id).second) {
-            warn(member + " names device " + deviceName(id) + " again; ignored");
+}
+
+NDeviceInfoFactory parseValues(const std::vector<std::string>& pairs) {
+    NDeviceInfoFactory info;
+    std::set<std::string> keys;
+    for (const std::string& pair : pairs) {
+        const auto equals = pair.find('=');
+        if (equals == std::string::npos || equals == 0) {
+            failUsage("'" + pair + "' is not KEY=VALUE");
         }
+        const std::string key = pair.substr(0, equals);
+        std::string value = pair.substr(equals + 1);
+        // The file is JSON, whose writer would replace bytes that are not UTF-8 in a name.
+        if (!isUtf8(key)) {
+            failUsage("the key of '" + pair + "' is not UTF-8 text, which the file cannot keep");
+        }
+        if (!keys.insert(key).second) {
+            failUsage("the key '" + key + "' is given twice");
+        }
+        if (value.rfind(kBase64Prefix, 0) == 0) {
+            const std::optional<NByteArray> bytes = fromBase64(value.substr(kBase64Prefix.size()));
+            if (!bytes) {
+                failUsage("the value of '" + key +
+                          "' is not base64 as the file keeps it (groups "
+                          "of four characters of A-Z a-z 0-9 + /, padded with =)");
+            }
+            value = bytes->toStdString();
+        }
+        info.append(NString(key), NByteArray(value));
     }
-    return true;
+    return info;
+}
+
+void factoryList(const FactoryOptions& options) {
+    readableStoreFile(options.configDirectory, kFactoryFile, check::FileKind::Factory);
+    PRuntimeFactory store;
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    store.traverse([&](unsigned long long id, const NDeviceInfoFactory& info) {
+        nlohmann::ordered_json values = nlohmann::ordered_json::array();
+        info.traverse([&](const NString& key, const NByteArray& value) {
+            if (!options.json) {
+                printFields({deviceName(id), key.toStdString(), showValue(value)});
+                return;
+            }
+            const std::string& raw = value.toStdString();
+            values.push_back(
+                {{"key", key.toStdString()},
+                 {"base64", toBase64(value)},
+                 {"text", xmlTextProblem(raw).empty() ? nlohmann::ordered_json(raw) : nullptr}});
+        });
+        if (options.json) {
+            list.push_back({{"id", deviceName(id)}, {"values", values}});
+        }
+    });
+    if (options.json) {
+        printJson(list);
+    }
+}
+
+void factoryAdd(const FactoryOptions& options) {
+    const unsigned long long id = parseDeviceId(options.id);
+    const NDeviceInfoFactory info = parseValues(options.values);
+    const StoreChange session(options.configDirectory, kFactoryFile);
+    session.guard(check::FileKind::Factory, options.force);
+    PRuntimeFactory store;
+    std::optional<NDeviceInfoFactory> kept;
+    store.traverse([&](unsigned long long seen, const NDeviceInfoFactory& values) {
+        if (seen == id) {
+            kept = values;
+        }
+    });
+    const std::string name = "device " + deviceName(id);
+    if (kept && *kept == info) {
+        reportNote(name + " already holds these values; unchanged");
+        return;
+    }
+    store.append(id, info);
+    session.requireWritten();
+    std::cout << (kept ? "replaced the values of " : "added ") << name << '\n';
+}
+
+void factoryRemove(const FactoryOptions& options) {
+    const unsigned long long id = parseDeviceId(options.id);
+    const StoreChange session(options.configDirectory, kFactoryFile);
+    session.guard(check::FileKind::Factory, options.force);
+    PRuntimeFactory store;
+    const std::string name = "device " + deviceName(id);
+    if (!store.find(id)) {
+        failNotFound("no factory information for " + name);
+    }
+    store.remove(id);
+    session.requireWritten();
+    std::cout << "removed " << name << '\n';
 }
 
 void registerFactory(CLI::App& app) {
-    CLI::App* factory =
-        app.add_subcommand("factory", "Factory information of devices kept in \"/Factory.json\"");
-    factory->require_subcommand(1);
+    auto options = std::make_shared<FactoryOptions>();
+    CLI::App* factory = app.add_subcommand(
+        "factory", "Factory information of devices, kept in the configuration directory "
+                   "(\"Factory.json\")");
+    requireAction(*factory);
 
-    auto listDirectory = std::make_shared<ConfigDirectoryOption>();
-    CLI::App* list = factory->add_subcommand("list", "List every device and its values");
-    listDirectory->addTo(list);
-    list->callback([listDirectory] {
-        if (!listDirectory->apply() || !checkFactoryFile(listDirectory->file("/Factory.json"))) {
-            return;
-        }
-        PRuntimeFactory store;
-        store.traverse([](unsigned long long id, const NDeviceInfoFactory& info) {
-            std::cout << deviceName(id) << '\n';
-            info.traverse([](const NString& key, const NByteArray& value) {
-                std::cout << '\t' << key.toStdString() << ": " << showBytes(value) << '\n';
-            });
-        });
-    });
+    CLI::App* list = factory->add_subcommand(
+        "list", "One line per value, by device: device, key, value (tab-separated; a value "
+                "that is not plain text shows as base64:BYTES). With --json: an array of {id, "
+                "values: [{key, base64, text}]} (text null when the bytes are not text)");
+    addJsonFlag(*list, options->json);
+    list->callback([options] { factoryList(*options); });
 
-    struct AddArguments {
-        ConfigDirectoryOption directory;
-        std::string id;
-        std::vector<std::string> values;
-    };
-    auto add = std::make_shared<AddArguments>();
-    CLI::App* addCommand =
+    const char* const idHelp = "Device identifier, 1 to 16 hexadecimal digits";
+    CLI::App* add =
         factory->add_subcommand("add", "Keep the values of a device, replacing any kept before");
-    add->directory.addTo(addCommand);
-    addCommand->add_option("id", add->id, "Device identifier, hexadecimal")->required();
-    addCommand->add_option("values", add->values, "Values as KEY=VALUE")->required();
-    addCommand->callback([add] {
-        unsigned long long id = 0;
-        if (!parseDeviceId(add->id, id)) {
-            fail(add->id + ": not a device identifier (1 to 16 hexadecimal digits, not 0)");
-            return;
-        }
-        NDeviceInfoFactory info;
-        for (const std::string& pair : add->values) {
-            const auto equals = pair.find('=');
-            if (equals == std::string::npos || equals == 0) {
-                fail(pair + ": not KEY=VALUE");
-                return;
-            }
-            info.append(NString(pair.substr(0, equals)), NByteArray(pair.substr(equals + 1)));
-        }
-        if (!add->directory.apply()) {
-            return;
-        }
-        PRuntimeFactory store;
-        store.append(id, info);
-        PRuntimeFactory reloaded;
-        bool written = false;
-        reloaded.traverse([&](unsigned long long seen, const NDeviceInfoFactory& kept) {
-            written = written || (seen == id && kept == info);
-        });
-        if (!written) {
-            fail(add->directory.file("/Factory.json") + ": could not be written");
-        }
-    });
+    add->add_option("id", options->id, idHelp)->required();
+    add->add_option("values", options->values,
+                    "Values as KEY=VALUE; VALUE is text, or base64:BYTES for any bytes")
+        ->required();
+    addForceFlag(*add, options->force);
+    add->callback([options] { factoryAdd(*options); });
 
-    struct RemoveArguments {
-        ConfigDirectoryOption directory;
-        std::string id;
-    };
-    auto remove = std::make_shared<RemoveArguments>();
-    CLI::App* removeCommand =
+    CLI::App* remove =
         factory->add_subcommand("remove", "Forget the factory information of a device");
-    remove->directory.addTo(removeCommand);
-    removeCommand->add_option("id", remove->id, "Device identifier, hexadecimal")->required();
-    removeCommand->callback([remove] {
-        unsigned long long id = 0;
-        if (!parseDeviceId(remove->id, id)) {
-            fail(remove->id + ": not a device identifier (1 to 16 hexadecimal digits, not 0)");
-            return;
-        }
-        if (!remove->directory.apply()) {
-            return;
-        }
-        PRuntimeFactory store;
-        if (!store.find(id)) {
-            fail("no factory information for device " + deviceName(id));
-            return;
-        }
-        store.remove(id);
-        PRuntimeFactory reloaded;
-        if (reloaded.find(id)) {
-            fail(remove->directory.file("/Factory.json") + ": could not be written");
-        }
-    });
+    remove->add_option("id", options->id, idHelp)->required();
+    addForceFlag(*remove, options->force);
+    remove->callback([options] { factoryRemove(*options); });
+
+    shareConfigDirectory(*factory, options->configDirectory);
+    describeExits(*factory, "0 done; 1 not found or not written; 2 usage error or unreadable file",
+                  "pallix factory --config-dir ~/.config/TolVane list --json");
+    describeExits(*list, "0 listed; 2 the file cannot be read", "pallix factory list");
+    describeExits(*add,
+                  "0 added, replaced or already there; 1 not written; 2 usage error or "
+                  "unreadable file",
+                  "pallix factory add 8101 SerialNumber=DNPXK2ABHG7F Nonce=base64:AH//");
+    describeExits(*remove,
+                  "0 removed; 1 not found or not written; 2 usage error or unreadable file",
+                  "pallix factory remove 8101");
 }
 
 // ---------------------------------------------------------------------------------------------
 // Custom firmware matches
 
-struct IpswEntry {
+struct IpswOptions {
+    std::string configDirectory;
+    bool json = false;
+    bool force = false;
     std::string url;
     std::string local;
 };
 
-// The entries of the file in document order, with a word about every one the store skips.
-// False when the file is there but cannot be used at all.
-bool readIpswFile(const std::string& path, std::vector<IpswEntry>& entries) {
-    if (!std::filesystem::exists(path)) {
-        return true;
-    }
-    const std::string problem = describeXmlProblem(path);
-    if (!problem.empty()) {
-        fail(problem + "; the store reads it as empty");
-        return false;
-    }
-    pugi::xml_document document;
-    document.load_file(path.c_str(), pugi::parse_default, pugi::encoding_utf8);
-    const pugi::xml_node container = document.child("Rilo").child("MATCH");
-    if (!container) {
-        fail(path + ": no <Rilo><MATCH> container; the store reads it as empty");
-        return false;
-    }
-    std::set<std::string> urls;
-    for (pugi::xml_node node = container.first_child(); node; node = node.next_sibling()) {
-        const IpswEntry entry{node.attribute("URL").as_string(),
-                              node.attribute("LOCAL").as_string()};
-        if (!NFileSystem::path::exist(NString(entry.local))) {
-            warn(entry.url + ": local file \"" + entry.local +
-                 "\" is gone; dropped at the next change");
-        } else if (!urls.insert(entry.url).second) {
-            warn(entry.url + ": matched again to \"" + entry.local + "\"; ignored");
+void ipswList(const IpswOptions& options) {
+    readableStoreFile(options.configDirectory, kIpswFile, check::FileKind::Ipsw);
+    PRuntimeRestoreCustomFirmware store;
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    store.traverse([&](const NString& url, const NString& local) {
+        if (options.json) {
+            list.push_back({{"url", url.toStdString()}, {"local", local.toStdString()}});
         } else {
-            entries.push_back(entry);
+            printFields({url.toStdString(), local.toStdString()});
         }
+    });
+    if (options.json) {
+        printJson(list);
     }
-    return true;
+}
+
+void ipswFind(const IpswOptions& options) {
+    readableStoreFile(options.configDirectory, kIpswFile, check::FileKind::Ipsw);
+    PRuntimeRestoreCustomFirmware store;
+    NString local;
+    if (!store.find(NString(options.url), local)) {
+        failNotFound(options.url + ": no local file matched");
+    }
+    if (options.json) {
+        printJson({{"url", options.url}, {"local", local.toStdString()}});
+    } else {
+        printFields({local.toStdString()});
+    }
+}
+
+void ipswAdd(const IpswOptions& options) {
+    if (options.url.empty()) {
+        failUsage("the download address is empty");
+    }
+    std::error_code error;
+    const std::string local =
+        std::filesystem::absolute(options.local, error).lexically_normal().string();
+    // The store drops a match whose file is gone the next time it reads the file.
+    if (error || !NFileSystem::path::exist(NString(local))) {
+        failUnreadable(options.local + ": no such file; the store keeps a match only while its "
+                                       "file exists");
+    }
+    const StoreChange session(options.configDirectory, kIpswFile);
+    session.guard(check::FileKind::Ipsw, options.force);
+    PRuntimeRestoreCustomFirmware store;
+    NString earlier;
+    const bool rematching = store.find(NString(options.url), earlier);
+    if (rematching && earlier.toStdString() == local) {
+        reportNote(options.url + " is already matched to " + local + "; unchanged");
+        return;
+    }
+    store.append(NString(options.url), NString(local));
+    session.requireWritten();
+    std::cout << (rematching ? "rematched " : "matched ") << options.url << " to " << local
+              << (rematching ? " (was " + earlier.toStdString() + ")" : "") << '\n';
+}
+
+void ipswRemove(const IpswOptions& options) {
+    const StoreChange session(options.configDirectory, kIpswFile);
+    session.guard(check::FileKind::Ipsw, options.force);
+    PRuntimeRestoreCustomFirmware store;
+    if (!store.find(NString(options.url), PRuntimeRestoreCustomFirmware::Visitor())) {
+        failNotFound(options.url + ": no local file matched");
+    }
+    store.remove(NString(options.url));
+    session.requireWritten();
+    std::cout << "forgot the match of " << options.url << '\n';
 }
 
 void registerIpsw(CLI::App& app) {
+    auto options = std::make_shared<IpswOptions>();
     CLI::App* ipsw = app.add_subcommand(
-        "ipsw", "Firmware files matched to download addresses, kept in \"/RestoreIpsw.xml\"");
-    ipsw->require_subcommand(1);
+        "ipsw", "Firmware files matched to download addresses, kept in the configuration "
+                "directory (\"RestoreIpsw.xml\")");
+    requireAction(*ipsw);
 
-    auto listDirectory = std::make_shared<ConfigDirectoryOption>();
-    CLI::App* list = ipsw->add_subcommand("list", "List every address and its local file");
-    listDirectory->addTo(list);
-    list->callback([listDirectory] {
-        std::vector<IpswEntry> entries;
-        if (!listDirectory->apply() ||
-            !readIpswFile(listDirectory->file("/RestoreIpsw.xml"), entries)) {
-            return;
-        }
-        // Ask the store itself, so that the listing is what the application gets.
-        PRuntimeRestoreCustomFirmware store;
-        for (const IpswEntry& entry : entries) {
-            NString local;
-            if (store.find(NString(entry.url), local)) {
-                std::cout << entry.url << " -> " << local.toStdString() << '\n';
-            }
-        }
-    });
+    CLI::App* list = ipsw->add_subcommand(
+        "list", "One line per match, by address: address and local file, tab-separated (matches "
+                "whose file is gone are left out, as the library leaves them out). With --json: "
+                "an array of {url, local}");
+    addJsonFlag(*list, options->json);
+    list->callback([options] { ipswList(*options); });
 
-    struct FindArguments {
-        ConfigDirectoryOption directory;
-        std::string url;
-    };
-    auto find = std::make_shared<FindArguments>();
-    CLI::App* findCommand = ipsw->add_subcommand("find", "Show the local file of an address");
-    find->directory.addTo(findCommand);
-    findCommand->add_option("url", find->url, "Firmware download address")->required();
-    findCommand->callback([find] {
-        if (!find->directory.apply()) {
-            return;
-        }
-        PRuntimeRestoreCustomFirmware store;
-        NString local;
-        if (!store.find(NString(find->url), local)) {
-            fail(find->url + ": no local file matched");
-            return;
-        }
-        std::cout << local.toStdString() << '\n';
-    });
+    const char* const urlHelp = "Firmware download address";
+    CLI::App* find = ipsw->add_subcommand(
+        "find", "The local file matched to an address. With --json: {url, local}");
+    find->add_option("url", options->url, urlHelp)->required();
+    addJsonFlag(*find, options->json);
+    find->callback([options] { ipswFind(*options); });
 
-    struct AddArguments {
-        ConfigDirectoryOption directory;
-        std::string url;
-        std::string local;
-    };
-    auto add = std::make_shared<AddArguments>();
-    CLI::App* addCommand = ipsw->add_subcommand(
+    CLI::App* add = ipsw->add_subcommand(
         "add", "Match a local firmware file to an address, replacing an earlier match");
-    add->directory.addTo(addCommand);
-    addCommand->add_option("url", add->url, "Firmware download address")->required();
-    addCommand->add_option("local", add->local, "Local firmware file (kept as an absolute path)")
-        ->required();
-    addCommand->callback([add] {
-        std::error_code error;
-        const std::string local =
-            std::filesystem::absolute(add->local, error).lexically_normal().string();
-        if (error || !std::filesystem::exists(local)) {
-            fail(add->local + ": no such file; the store keeps a match only while its file exists");
-            return;
-        }
-        if (!add->directory.apply()) {
-            return;
-        }
-        PRuntimeRestoreCustomFirmware store;
-        store.append(NString(add->url), NString(local));
-        if (store.find(NString(add->url)).toStdString() != local) {
-            fail(add->directory.file("/RestoreIpsw.xml") + ": could not be written");
-        }
-    });
+    add->add_option("url", options->url, urlHelp)->required()->check(XmlText());
+    add->add_option("local", options->local, "Local firmware file (kept as an absolute path)")
+        ->required()
+        ->check(XmlText());
+    addForceFlag(*add, options->force);
+    add->callback([options] { ipswAdd(*options); });
 
-    struct RemoveArguments {
-        ConfigDirectoryOption directory;
-        std::string url;
-    };
-    auto remove = std::make_shared<RemoveArguments>();
-    CLI::App* removeCommand = ipsw->add_subcommand("remove", "Forget the match of an address");
-    remove->directory.addTo(removeCommand);
-    removeCommand->add_option("url", remove->url, "Firmware download address")->required();
-    removeCommand->callback([remove] {
-        if (!remove->directory.apply()) {
-            return;
-        }
-        PRuntimeRestoreCustomFirmware store;
-        if (!store.find(NString(remove->url), nullptr)) {
-            fail(remove->url + ": no local file matched");
-            return;
-        }
-        store.remove(NString(remove->url));
-        if (!std::filesystem::exists(remove->directory.file("/RestoreIpsw.xml")) ||
-            store.find(NString(remove->url), nullptr)) {
-            fail(remove->directory.file("/RestoreIpsw.xml") + ": could not be written");
-        }
-    });
+    CLI::App* remove = ipsw->add_subcommand("remove", "Forget the match of an address");
+    remove->add_option("url", options->url, urlHelp)->required();
+    addForceFlag(*remove, options->force);
+    remove->callback([options] { ipswRemove(*options); });
+
+    shareConfigDirectory(*ipsw, options->configDirectory);
+    const std::string url = "https://updates.example.com/ipsw/iPhone15,2_17.1_Restore.ipsw";
+    describeExits(*ipsw, "0 done; 1 not found or not written; 2 usage error or unreadable file",
+                  "pallix ipsw --config-dir ~/.config/TolVane list --json");
+    describeExits(*list, "0 listed; 2 the file cannot be read", "pallix ipsw list");
+    describeExits(*find, "0 found; 1 not matched; 2 usage error or unreadable file",
+                  "pallix ipsw find " + url + " --json");
+    describeExits(*add,
+                  "0 matched, rematched or already matched; 1 not written; 2 usage error, "
+                  "missing local file or unreadable file",
+                  "pallix ipsw add " + url + " ~/Downloads/iPhone15,2_17.1_Restore.ipsw");
+    describeExits(*remove,
+                  "0 forgotten; 1 not matched or not written; 2 usage error or "
+                  "unreadable file",
+                  "pallix ipsw remove " + url);
 }
 
 } // namespace

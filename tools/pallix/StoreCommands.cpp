@@ -2,17 +2,18 @@
 // stores of a configuration directory through the library.
 
 #include "Commands.h"
+#include "Failure.h"
+#include "FileGuard.h"
+#include "StoreCommon.h"
 #include "ToolOutput.h"
+#include "Values.h"
 
-#include "NApplication.h"
-#include "PRuntime.h"
 #include "PRuntimeNotify.h"
 #include "PRuntimePortbind.h"
 
-#include <pugixml.hpp>
-
 #include <sys/stat.h>
 
+#include <climits>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -22,58 +23,27 @@ namespace pallix::tool {
 
 namespace {
 
-bool isDirectory(const std::string& path) {
-    struct stat info {};
-    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
+// The stores' file names, as the library keeps them.
+const char* const kNotifyFile = "/notify.xml";
+const char* const kOldNotifyDirectory = "/Notify";
+const char* const kPortbindFile = "/PortBind.xml";
 
 bool exists(const std::string& path) {
     struct stat info {};
-    return ::stat(path.c_str(), &info) == 0;
+    return ::lstat(path.c_str(), &info) == 0;
 }
 
-// Makes `directory` the application's configuration directory, or the platform default when it
-// is empty. Returns the directory in use, or an empty text after reporting why it cannot be.
-std::string useConfigDirectory(const std::string& directory) {
-    if (!directory.empty()) {
-        NApplication::setDirectoryConfig(NString(directory));
-    }
-    const std::string used = NApplication::DirectoryConfig().toStdString();
-    if (!isDirectory(used)) {
-        reportError(used + ": no such directory");
-        return std::string();
-    }
-    return used;
-}
-
-// The library reads a file it cannot use as an empty store, silently. The tool says why, so
-// that nobody takes a broken file for an empty one, and refuses to overwrite it.
-bool checkStoreFile(const std::string& path, const char* root, const char* list) {
-    if (!exists(path)) {
-        return true;
-    }
-    const std::string problem = describeXmlProblem(path);
-    if (!problem.empty()) {
-        reportError(problem);
-        return false;
-    }
-    pugi::xml_document document;
-    document.load_file(path.c_str(), pugi::parse_default, pugi::encoding_utf8);
-    if (!document.child(root).child(list)) {
-        reportError(path + ": no <" + root + "><" + list + "> element");
-        return false;
-    }
-    return true;
-}
-
-void fail() {
-    exitStatus() = 1;
+bool isDirectory(const std::string& path) {
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 // Notifications.
 
 struct NotifyOptions {
     std::string configDirectory;
+    bool json = false;
+    bool force = false;
     unsigned long long id = 0;
     std::string title;
     std::string url;
@@ -98,58 +68,75 @@ std::string flagsOf(const PRuntimeNotifyItem& item) {
     return flags.empty() ? "-" : flags;
 }
 
-// Opens the store of the directory; when that imported the old layout, writes the imported
-// notifications at once, since the old directory is gone from now on.
-PRuntimeNotify* openNotify(const NotifyOptions& options, bool forChange) {
-    const std::string directory = useConfigDirectory(options.configDirectory);
-    if (directory.empty()) {
-        return nullptr;
-    }
-    const std::string file = directory + "/notify.xml";
-    const std::string old = directory + "/Notify";
-    const bool importing = isDirectory(old);
-    if (!importing && !checkStoreFile(file, "Nevor", "Notify")) {
-        if (forChange) {
-            reportError("not changing " + file);
+bool sameItem(const PRuntimeNotifyItem& a, const PRuntimeNotifyItem& b) {
+    return a.id() == b.id() && a.title() == b.title() && a.url() == b.url() &&
+           a.userID() == b.userID() && a.timestamp() == b.timestamp() &&
+           a.isPopup() == b.isPopup() && a.isAlreadyRead() == b.isAlreadyRead() &&
+           a.isAlreadyPopup() == b.isAlreadyPopup() && a.isRemove() == b.isRemove();
+}
+
+// The store of a configuration directory whose lock the caller holds. When the directory still
+// has the old one-file-per-notification layout, the library imports it and deletes it without
+// writing anything: the imported notifications are written at once, or they would go with this
+// process. The library does not read the current file in that case; when the import brought
+// nothing, the store is opened again so that it does.
+std::unique_ptr<PRuntimeNotify> openNotify(const StoreChange& session, bool forChange, bool force) {
+    const std::string old = session.directory() + kOldNotifyDirectory;
+    if (isDirectory(old)) {
+        auto store = std::make_unique<PRuntimeNotify>();
+        std::vector<unsigned long long> ids;
+        store->traverse(
+            [&](unsigned long long id, const PRuntimeNotifyItem&) { ids.push_back(id); });
+        if (!ids.empty()) {
+            const bool replacing = exists(session.file());
+            store->update(ids.front(), store->find(ids.front()));
+            session.requireWritten();
+            reportNote("imported " + std::to_string(ids.size()) + " notification" +
+                       (ids.size() == 1 ? "" : "s") + " from " + old + " into " + session.file() +
+                       (replacing ? ", in place of what it held" : ""));
+            return store;
         }
-        return nullptr;
+        reportNote("imported no notifications from " + old);
     }
-    PRuntimeNotify* store = PRuntime::getInstance()->notify();
-    if (store == nullptr) {
-        reportError("the notification store could not be created");
-        return nullptr;
+    if (forChange) {
+        session.guard(check::FileKind::Notify, force);
+    } else {
+        guardReading(session.file(), check::FileKind::Notify);
     }
-    if (importing) {
-        std::vector<std::pair<unsigned long long, PRuntimeNotifyItem>> imported;
-        store->traverse([&](unsigned long long id, const PRuntimeNotifyItem& item) {
-            imported.emplace_back(id, item);
-        });
-        if (!imported.empty() && !forChange) {
-            store->append(imported.front().first, imported.front().second);
-        }
-        std::cerr << "pallix: imported " << imported.size() << " notification"
-                  << (imported.size() == 1 ? "" : "s") << " from " << old << " into " << file
-                  << '\n';
-    }
-    return store;
+    return std::make_unique<PRuntimeNotify>();
 }
 
 void notifyList(const NotifyOptions& options) {
-    PRuntimeNotify* store = openNotify(options, false);
-    if (store == nullptr) {
-        return fail();
-    }
-    store->traverse([](unsigned long long id, const PRuntimeNotifyItem& item) {
-        std::cout << id << '\t' << item.userID() << '\t' << item.timestamp() << '\t'
-                  << flagsOf(item) << '\t' << item.title().data() << '\t' << item.url().data()
-                  << '\n';
+    // Locked as for a change: opening may import the old layout and write it.
+    const StoreChange session(options.configDirectory, kNotifyFile);
+    const auto store = openNotify(session, false, false);
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    store->traverse([&](unsigned long long id, const PRuntimeNotifyItem& item) {
+        if (options.json) {
+            list.push_back({{"id", id},
+                            {"userId", item.userID()},
+                            {"timestamp", item.timestamp()},
+                            {"title", item.title().toStdString()},
+                            {"url", item.url().toStdString()},
+                            {"popup", item.isPopup()},
+                            {"read", item.isAlreadyRead()},
+                            {"shown", item.isAlreadyPopup()},
+                            {"removed", item.isRemove()}});
+        } else {
+            printFields({std::to_string(id), std::to_string(item.userID()),
+                         std::to_string(item.timestamp()), flagsOf(item),
+                         item.title().toStdString(), item.url().toStdString()});
+        }
     });
+    if (options.json) {
+        printJson(list);
+    }
 }
 
 void notifyAdd(const NotifyOptions& options) {
-    PRuntimeNotify* store = openNotify(options, true);
-    if (store == nullptr) {
-        return fail();
+    if (options.shown && !options.read) {
+        failUsage("--shown cannot be kept without --read: the file records a notification as "
+                  "shown exactly when it is read");
     }
     PRuntimeNotifyItem item;
     item.setID(options.id);
@@ -159,188 +146,210 @@ void notifyAdd(const NotifyOptions& options) {
     item.setTimestamp(options.time);
     item.setIsPopup(options.popup);
     item.setAlreadyRead(options.read);
-    item.setAlreadyPopup(options.shown);
+    item.setAlreadyPopup(options.read);
+
+    const StoreChange session(options.configDirectory, kNotifyFile);
+    const auto store = openNotify(session, true, options.force);
+    const std::string name = "notification " + std::to_string(options.id);
     const bool replacing = store->exist(options.id);
-    store->append(options.id, item);
-    // The library does not report a failed write: read the file back to know.
-    PRuntimeNotify written;
-    if (!written.exist(options.id) || written.find(options.id).title() != item.title()) {
-        reportError("could not write " + NApplication::DirectoryConfig().toStdString() +
-                    "/notify.xml");
-        return fail();
+    if (replacing && sameItem(store->find(options.id), item)) {
+        reportNote(name + " is already there with these values; unchanged");
+        return;
     }
-    std::cout << (replacing ? "replaced" : "added") << " notification " << options.id << '\n';
+    store->append(options.id, item);
+    session.requireWritten();
+    std::cout << (replacing ? "replaced " : "added ") << name << '\n';
 }
 
 void notifyRemove(const NotifyOptions& options) {
-    PRuntimeNotify* store = openNotify(options, true);
-    if (store == nullptr) {
-        return fail();
-    }
+    const StoreChange session(options.configDirectory, kNotifyFile);
+    const auto store = openNotify(session, true, options.force);
+    const std::string name = "notification " + std::to_string(options.id);
     if (!store->exist(options.id)) {
-        reportError("no notification " + std::to_string(options.id));
-        return fail();
+        failNotFound("no " + name);
+    }
+    if (store->find(options.id).isRemove()) {
+        reportNote(name + " is already marked removed; unchanged");
+        return;
     }
     store->remove(options.id);
-    PRuntimeNotify written;
-    if (!written.find(options.id).isRemove()) {
-        reportError("could not write " + NApplication::DirectoryConfig().toStdString() +
-                    "/notify.xml");
-        return fail();
-    }
-    std::cout << "marked notification " << options.id << " removed\n";
-}
-
-// Port bindings.
-
-struct PortbindOptions {
-    std::string configDirectory;
-    std::string source;
-    std::string target;
-};
-
-PRuntimePortbind* openPortbind(const PortbindOptions& options, bool forChange) {
-    const std::string directory = useConfigDirectory(options.configDirectory);
-    if (directory.empty()) {
-        return nullptr;
-    }
-    const std::string file = directory + "/PortBind.xml";
-    if (!checkStoreFile(file, "Rilo", "BIND")) {
-        if (forChange) {
-            reportError("not changing " + file);
-        }
-        return nullptr;
-    }
-    PRuntimePortbind* store = PRuntime::getInstance()->portbind();
-    if (store == nullptr) {
-        reportError("the port binding store could not be created");
-    }
-    return store;
-}
-
-void portbindList(const PortbindOptions& options) {
-    PRuntimePortbind* store = openPortbind(options, false);
-    if (store == nullptr) {
-        return fail();
-    }
-    store->traverse([](const NString& source, const NString& target) {
-        std::cout << source.data() << '\t' << target.data() << '\n';
-    });
-}
-
-void portbindAdd(const PortbindOptions& options) {
-    if (options.source.empty() || options.target.empty()) {
-        reportError("a binding needs a non-empty source and target");
-        return fail();
-    }
-    PRuntimePortbind* store = openPortbind(options, true);
-    if (store == nullptr) {
-        return fail();
-    }
-    const NString source(options.source);
-    const bool replacing = store->exist(source);
-    store->append(source, NString(options.target));
-    PRuntimePortbind written;
-    if (written.find(source) != NString(options.target)) {
-        reportError("could not write " + NApplication::DirectoryConfig().toStdString() +
-                    "/PortBind.xml");
-        return fail();
-    }
-    std::cout << (replacing ? "rebound " : "bound ") << options.source << " to " << options.target
-              << '\n';
-}
-
-void portbindRemove(const PortbindOptions& options) {
-    if (options.source.empty()) {
-        reportError("a binding needs a non-empty source");
-        return fail();
-    }
-    PRuntimePortbind* store = openPortbind(options, true);
-    if (store == nullptr) {
-        return fail();
-    }
-    const NString source(options.source);
-    if (!store->exist(source)) {
-        reportError(options.source + " is not bound");
-        return fail();
-    }
-    store->remove(source);
-    PRuntimePortbind written;
-    if (written.exist(source) ||
-        !exists(NApplication::DirectoryConfig().toStdString() + "/PortBind.xml")) {
-        reportError("could not write " + NApplication::DirectoryConfig().toStdString() +
-                    "/PortBind.xml");
-        return fail();
-    }
-    std::cout << "unbound " << options.source << '\n';
-}
-
-// Runs an action, then lets the library go.
-template <typename Options, typename Action>
-std::function<void()> run(const std::shared_ptr<Options>& options, Action action) {
-    return [options, action] {
-        action(*options);
-        PRuntime::freeInstance();
-    };
+    session.requireWritten();
+    std::cout << "marked " << name << " removed\n";
 }
 
 void registerNotify(CLI::App& app) {
     auto options = std::make_shared<NotifyOptions>();
     CLI::App* notify =
         app.add_subcommand("notify", "List, add or remove the notifications of a configuration "
-                                     "directory (\"/notify.xml\")");
-    notify->add_option("--config-dir", options->configDirectory,
-                       "Configuration directory (default: the application's)");
-    notify->require_subcommand(1);
-    // "pallix notify list --config-dir DIR" works as well as the option before "list".
-    notify->fallthrough();
+                                     "directory (\"notify.xml\")");
+    requireAction(*notify);
 
     CLI::App* list = notify->add_subcommand(
         "list", "One line per notification, by id: id, user, time, flags, title, address "
-                "(tab-separated; flags are popup, read, shown, removed or -)");
-    list->callback(run(options, notifyList));
+                "(tab-separated; flags are popup, read, shown, removed or -). With --json: an "
+                "array of {id, userId, timestamp, title, url, popup, read, shown, removed}");
+    addJsonFlag(*list, options->json);
+    list->callback([options] { notifyList(*options); });
 
     CLI::App* add = notify->add_subcommand("add", "Add a notification, or replace the one "
                                                   "with the same id");
-    add->add_option("id", options->id, "Identifier")->required();
-    add->add_option("--title", options->title, "Text shown to the user");
-    add->add_option("--url", options->url, "Address the notification opens");
-    add->add_option("--user", options->user, "User it is addressed to");
-    add->add_option("--time", options->time, "Time of the notification");
+    add->add_option("id", options->id, "Identifier")->required()->check(UnsignedUpTo(ULLONG_MAX));
+    add->add_option("--title", options->title, "Text shown to the user")->check(XmlText());
+    add->add_option("--url", options->url, "Address the notification opens")->check(XmlText());
+    add->add_option("--user", options->user, "User it is addressed to")
+        ->check(UnsignedUpTo(ULLONG_MAX));
+    add->add_option("--time", options->time, "Time of the notification, a count kept as given")
+        ->check(IntegerIn(LLONG_MIN, LLONG_MAX));
     add->add_flag("--popup", options->popup, "To be shown as a pop-up");
-    add->add_flag("--read", options->read, "Already read");
-    add->add_flag("--shown", options->shown, "Already shown as a pop-up");
-    add->callback(run(options, notifyAdd));
+    add->add_flag("--read", options->read, "Already read (and so already shown)");
+    add->add_flag("--shown", options->shown, "Already shown as a pop-up (only with --read)");
+    addForceFlag(*add, options->force);
+    add->callback([options] { notifyAdd(*options); });
 
     CLI::App* remove =
         notify->add_subcommand("remove", "Mark a notification removed (it is kept, marked)");
-    remove->add_option("id", options->id, "Identifier")->required();
-    remove->callback(run(options, notifyRemove));
+    remove->add_option("id", options->id, "Identifier")
+        ->required()
+        ->check(UnsignedUpTo(ULLONG_MAX));
+    addForceFlag(*remove, options->force);
+    remove->callback([options] { notifyRemove(*options); });
+
+    shareConfigDirectory(*notify, options->configDirectory);
+    describeExits(*notify, "0 done; 1 not found or not written; 2 usage error or unreadable file",
+                  "pallix notify --config-dir ~/.config/TolVane list --json");
+    describeExits(*list, "0 listed; 2 the file cannot be read", "pallix notify list --json");
+    describeExits(*add,
+                  "0 added, replaced or already there; 1 not written; 2 usage error or "
+                  "unreadable file",
+                  "pallix notify add 1001 --title 'Firmware 17.4 is out' --url "
+                  "https://example.invalid/n --user 73 --time 1709251200 --popup");
+    describeExits(*remove,
+                  "0 marked removed (or already); 1 not found or not written; 2 usage "
+                  "error or unreadable file",
+                  "pallix notify remove 1001");
+}
+
+// Port bindings.
+
+struct PortbindOptions {
+    std::string configDirectory;
+    bool json = false;
+    bool force = false;
+    std::string source;
+    std::string target;
+};
+
+void portbindList(const PortbindOptions& options) {
+    readableStoreFile(options.configDirectory, kPortbindFile, check::FileKind::Portbind);
+    PRuntimePortbind store;
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    store.traverse([&](const NString& source, const NString& target) {
+        if (options.json) {
+            list.push_back({{"source", source.toStdString()}, {"target", target.toStdString()}});
+        } else {
+            printFields({source.toStdString(), target.toStdString()});
+        }
+    });
+    if (options.json) {
+        printJson(list);
+    }
+}
+
+void portbindFind(const PortbindOptions& options) {
+    readableStoreFile(options.configDirectory, kPortbindFile, check::FileKind::Portbind);
+    PRuntimePortbind store;
+    const NString source(options.source);
+    if (!store.exist(source)) {
+        failNotFound(options.source + " is not bound");
+    }
+    const std::string target = store.find(source).toStdString();
+    if (options.json) {
+        printJson({{"source", options.source}, {"target", target}});
+    } else {
+        printFields({target});
+    }
+}
+
+void portbindAdd(const PortbindOptions& options) {
+    if (options.source.empty() || options.target.empty()) {
+        failUsage("a binding needs a non-empty source and target");
+    }
+    const StoreChange session(options.configDirectory, kPortbindFile);
+    session.guard(check::FileKind::Portbind, options.force);
+    PRuntimePortbind store;
+    const NString source(options.source);
+    const bool rebinding = store.exist(source);
+    const std::string earlier = store.find(source).toStdString();
+    if (rebinding && earlier == options.target) {
+        reportNote(options.source + " is already bound to " + options.target + "; unchanged");
+        return;
+    }
+    store.append(source, NString(options.target));
+    session.requireWritten();
+    std::cout << (rebinding ? "rebound " : "bound ") << options.source << " to " << options.target
+              << (rebinding ? " (was " + earlier + ")" : "") << '\n';
+}
+
+void portbindRemove(const PortbindOptions& options) {
+    if (options.source.empty()) {
+        failUsage("a binding needs a non-empty source");
+    }
+    const StoreChange session(options.configDirectory, kPortbindFile);
+    session.guard(check::FileKind::Portbind, options.force);
+    PRuntimePortbind store;
+    const NString source(options.source);
+    if (!store.exist(source)) {
+        failNotFound(options.source + " is not bound");
+    }
+    store.remove(source);
+    session.requireWritten();
+    std::cout << "unbound " << options.source << '\n';
 }
 
 void registerPortbind(CLI::App& app) {
     auto options = std::make_shared<PortbindOptions>();
     CLI::App* portbind = app.add_subcommand(
         "portbind",
-        "List, add or remove the port bindings of a configuration directory (\"/PortBind.xml\")");
-    portbind->add_option("--config-dir", options->configDirectory,
-                         "Configuration directory (default: the application's)");
-    portbind->require_subcommand(1);
-    portbind->fallthrough();
+        "List, add or remove the port bindings of a configuration directory (\"PortBind.xml\")");
+    requireAction(*portbind);
 
     CLI::App* list = portbind->add_subcommand(
-        "list", "One line per binding, by source: source and target, tab-separated");
-    list->callback(run(options, portbindList));
+        "list", "One line per binding, by source: source and target, tab-separated. With "
+                "--json: an array of {source, target}");
+    addJsonFlag(*list, options->json);
+    list->callback([options] { portbindList(*options); });
+
+    CLI::App* find = portbind->add_subcommand(
+        "find", "The target bound to a source. With --json: {source, target}");
+    find->add_option("source", options->source, "Source")->required();
+    addJsonFlag(*find, options->json);
+    find->callback([options] { portbindFind(*options); });
 
     CLI::App* add = portbind->add_subcommand("add", "Bind a source to a target, replacing its "
                                                     "earlier binding");
-    add->add_option("source", options->source, "Source")->required();
-    add->add_option("target", options->target, "Target")->required();
-    add->callback(run(options, portbindAdd));
+    add->add_option("source", options->source, "Source")->required()->check(XmlText());
+    add->add_option("target", options->target, "Target")->required()->check(XmlText());
+    addForceFlag(*add, options->force);
+    add->callback([options] { portbindAdd(*options); });
 
     CLI::App* remove = portbind->add_subcommand("remove", "Remove the binding of a source");
     remove->add_option("source", options->source, "Source")->required();
-    remove->callback(run(options, portbindRemove));
+    addForceFlag(*remove, options->force);
+    remove->callback([options] { portbindRemove(*options); });
+
+    shareConfigDirectory(*portbind, options->configDirectory);
+    describeExits(*portbind, "0 done; 1 not found or not written; 2 usage error or unreadable file",
+                  "pallix portbind --config-dir ~/.config/TolVane list --json");
+    describeExits(*list, "0 listed; 2 the file cannot be read", "pallix portbind list");
+    describeExits(*find, "0 found; 1 not bound; 2 usage error or unreadable file",
+                  "pallix portbind find usb-1 --json");
+    describeExits(*add,
+                  "0 bound, rebound or already bound; 1 not written; 2 usage error or "
+                  "unreadable file",
+                  "pallix portbind add usb-1 tcp:62078");
+    describeExits(*remove,
+                  "0 unbound; 1 not bound or not written; 2 usage error or unreadable file",
+                  "pallix portbind remove usb-1");
 }
 
 } // namespace

@@ -33,8 +33,9 @@ void addJsonFlag(CLI::App& command, bool& json) {
     command.add_flag("--json", json, "Print the result as JSON");
 }
 
-void printJson(const nlohmann::json& document) {
-    std::cout << document.dump(2) << '\n';
+void printJson(const nlohmann::ordered_json& document) {
+    std::cout << document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+              << '\n';
 }
 
 std::string escapeField(const std::string& field) {

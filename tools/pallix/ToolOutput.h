@@ -21,8 +21,10 @@ void reportNote(const std::string& message);
 
 // Adds "--json" to a subcommand that prints results.
 void addJsonFlag(CLI::App& command, bool& json);
-// Prints a JSON document on standard output, indented, followed by a line feed.
-void printJson(const nlohmann::json& document);
+// Prints a JSON document on standard output, indented, followed by a line feed. Text that is
+// not UTF-8 (a file's bytes may be anything) is printed with U+FFFD in place of the bad bytes.
+// Members keep the order in which they were added (a nlohmann::json converts, sorted by name).
+void printJson(const nlohmann::ordered_json& document);
 
 // One line of tab-separated fields. A tab, line feed, carriage return or backslash inside a
 // field is written as \t, \n, \r or \\, so that every line is one record.
