@@ -132,7 +132,9 @@ TEST(LookupFiles, FilesOfAKindNobodyCanTellExitWith2SuggestingACheck) {
     for (const Lookup& lookup : lookups()) {
         const auto result = run(lookup, path);
         EXPECT_EQ(result.status, 2) << lookup.command;
-        EXPECT_THAT(result.errors, HasSubstr("pallix: " + path + ":1:1: cannot tell what kind"));
+        EXPECT_THAT(result.errors,
+                    HasSubstr("pallix: " + path +
+                              ":1:1: the root element \"Table\" is none that the library reads"));
         EXPECT_THAT(result.errors,
                     EndsWith(" (run 'pallix check --kind " + lookup.kind + " " + path + "')\n"));
     }
