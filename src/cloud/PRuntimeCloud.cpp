@@ -1,11 +1,11 @@
 #include "PRuntimeCloud.h"
 
+#include "CloudFormat.h"
+#include "Conversions.h"
 #include "NFileSystem.h"
 #include "Operation.h"
 #include "XmlFile.h"
 
-#include "CloudFormat.h"
-#include "Conversions.h"
 #include <optional>
 #include <utility>
 

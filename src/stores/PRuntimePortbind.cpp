@@ -1,11 +1,11 @@
 #include "PRuntimePortbind.h"
 
+#include "FileNames.h"
 #include "NApplication.h"
 #include "Operation.h"
+#include "StoreFormats.h"
 #include "XmlFile.h"
 
-#include "FileNames.h"
-#include "StoreFormats.h"
 #include <utility>
 #include <vector>
 

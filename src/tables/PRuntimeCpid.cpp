@@ -1,11 +1,11 @@
 #include "PRuntimeCpid.h"
 
+#include "Conversions.h"
 #include "NFileSystem.h"
 #include "Operation.h"
+#include "TableFormats.h"
 #include "XmlFile.h"
 
-#include "Conversions.h"
-#include "TableFormats.h"
 #include <new>
 #include <utility>
 

@@ -2,9 +2,9 @@
 
 #include "NFileSystem.h"
 #include "Operation.h"
+#include "TableFormats.h"
 #include "XmlFile.h"
 
-#include "TableFormats.h"
 #include <new>
 #include <utility>
 

@@ -2,6 +2,7 @@
 // ships. The library itself is silent by design (a malformed table is simply empty).
 
 #include "Commands.h"
+#include "FileNames.h"
 #include "ToolOutput.h"
 
 #include "check/Checkers.h"
@@ -123,28 +124,28 @@ std::vector<Input> configDirectoryInputs(std::string directory) {
     // The configuration reads "Config.xml" when it is there, imports it, saves the current
     // file from it and deletes it; the current file is then never read.
     std::vector<std::string> configNotes;
-    if (isRegularFile(prefix + "Config.xml")) {
+    if (isRegularFile(prefix + format::kLegacyConfigurationFile)) {
         configNotes.push_back("the library does not read this file: \"Config.xml\" beside it is "
                               "imported in its place, and the import then overwrites this file");
     }
-    add("configure.xml", check::FileKind::Config, configNotes);
-    add("Config.xml", check::FileKind::LegacyConfig);
+    add(format::kConfigurationFile, check::FileKind::Config, configNotes);
+    add(format::kLegacyConfigurationFile, check::FileKind::LegacyConfig);
     // Likewise the old "Notify" directory: while it is there, the store imports it (and then
     // deletes it) instead of reading "notify.xml".
-    const bool oldNotifications = isDirectory(prefix + "Notify");
+    const bool oldNotifications = isDirectory(prefix + format::kOldNotifyDirectory);
     std::vector<std::string> notifyNotes;
     if (oldNotifications) {
         notifyNotes.push_back("the library does not read this file: the old \"Notify\" directory "
                               "beside it is imported in its place, and the next change to the "
                               "notifications overwrites this file");
     }
-    add("notify.xml", check::FileKind::Notify, notifyNotes);
+    add(format::kNotifyFile, check::FileKind::Notify, notifyNotes);
     if (oldNotifications) {
-        addOldNotifications(prefix + "Notify", inputs);
+        addOldNotifications(prefix + format::kOldNotifyDirectory, inputs);
     }
-    add("PortBind.xml", check::FileKind::Portbind);
-    add("Factory.json", check::FileKind::Factory);
-    add("RestoreIpsw.xml", check::FileKind::Ipsw);
+    add(format::kPortbindFile, check::FileKind::Portbind);
+    add(format::kFactoryFile, check::FileKind::Factory);
+    add(format::kCustomFirmwareFile, check::FileKind::Ipsw);
     return inputs;
 }
 

@@ -2,6 +2,7 @@
 // which reference files and plug-in packages it names, and which rules recognise programs; or
 // answers single queries against it.
 
+#include "CloudFormat.h"
 #include "Commands.h"
 #include "Failure.h"
 #include "Lookup.h"
@@ -40,11 +41,12 @@ using HashQuery = PRuntimeCloudApplicationHash (PRuntimeCloud::*)() const;
 // The entry names that the library's reference-file queries look for, which --hash takes.
 const std::vector<std::pair<std::string, HashQuery>>& hashQueries() {
     static const std::vector<std::pair<std::string, HashQuery>> queries = {
-        {"CPID", &PRuntimeCloud::application_hash_cpid},
-        {"CrashCode", &PRuntimeCloud::application_hash_crash_code},
-        {"RestoreCode", &PRuntimeCloud::application_hash_restore_code},
-        {"RestoreVersion", &PRuntimeCloud::application_hash_restore_version},
-        {"DeveloperPluginMapping", &PRuntimeCloud::application_hash_developer_plugin_mapping}};
+        {format::cloud::kReferenceCpid, &PRuntimeCloud::application_hash_cpid},
+        {format::cloud::kReferenceCrashCode, &PRuntimeCloud::application_hash_crash_code},
+        {format::cloud::kReferenceRestoreCode, &PRuntimeCloud::application_hash_restore_code},
+        {format::cloud::kReferenceRestoreVersion, &PRuntimeCloud::application_hash_restore_version},
+        {format::cloud::kReferencePluginMapping,
+         &PRuntimeCloud::application_hash_developer_plugin_mapping}};
     return queries;
 }
 

@@ -3,16 +3,18 @@
 // configuration directory, listed and changed through the library's stores.
 
 #include "Commands.h"
+
+#include "Conversions.h"
 #include "Failure.h"
 #include "FileGuard.h"
-#include "StoreCommon.h"
-#include "ToolOutput.h"
-#include "Values.h"
-
+#include "FileNames.h"
 #include "NFileSystem.h"
 #include "NJsonObject.h"
 #include "PRuntimeFactory.h"
 #include "PRuntimeRestoreCustomFirmware.h"
+#include "StoreCommon.h"
+#include "ToolOutput.h"
+#include "Values.h"
 
 #include <filesystem>
 #include <iostream>
@@ -27,8 +29,8 @@ namespace pallix::tool {
 namespace {
 
 // The stores' file names, as the library keeps them.
-const char* const kFactoryFile = "/Factory.json";
-const char* const kIpswFile = "/RestoreIpsw.xml";
+const std::string kFactoryFile = std::string("/") + format::kFactoryFile;
+const std::string kIpswFile = std::string("/") + format::kCustomFirmwareFile;
 
 // ---------------------------------------------------------------------------------------------
 // Factory information
@@ -61,7 +63,7 @@ unsigned long long parseDeviceId(const std::string& text) {
 }
 
 std::string deviceName(unsigned long long id) {
-    return NString::format("%016llX", id).toStdString();
+    return format::deviceIdText(id);
 }
 
 // The store keeps a value as base64 text in its JSON object: ask the same object for the

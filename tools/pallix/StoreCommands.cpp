@@ -2,21 +2,21 @@
 // stores of a configuration directory through the library.
 
 #include "Commands.h"
+
 #include "Failure.h"
 #include "FileGuard.h"
+#include "FileNames.h"
+#include "PRuntimeNotify.h"
+#include "PRuntimePortbind.h"
 #include "StoreCommon.h"
 #include "ToolOutput.h"
 #include "Values.h"
-
-#include "PRuntimeNotify.h"
-#include "PRuntimePortbind.h"
-
-#include <sys/stat.h>
 
 #include <climits>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace pallix::tool {
@@ -24,9 +24,9 @@ namespace pallix::tool {
 namespace {
 
 // The stores' file names, as the library keeps them.
-const char* const kNotifyFile = "/notify.xml";
-const char* const kOldNotifyDirectory = "/Notify";
-const char* const kPortbindFile = "/PortBind.xml";
+const std::string kNotifyFile = std::string("/") + format::kNotifyFile;
+const std::string kOldNotifyDirectory = std::string("/") + format::kOldNotifyDirectory;
+const std::string kPortbindFile = std::string("/") + format::kPortbindFile;
 
 bool exists(const std::string& path) {
     struct stat info {};

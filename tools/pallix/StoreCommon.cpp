@@ -45,14 +45,14 @@ void describeExits(CLI::App& command, const std::string& statuses, const std::st
     command.footer("Exit status: " + statuses + "\n" + command.get_footer());
 }
 
-std::string readableStoreFile(const std::string& directoryOption, const char* name,
+std::string readableStoreFile(const std::string& directoryOption, const std::string& name,
                               check::FileKind kind) {
     const std::string file = useConfigDirectory(directoryOption) + name;
     guardReading(file, kind);
     return file;
 }
 
-StoreChange::StoreChange(const std::string& directoryOption, const char* name)
+StoreChange::StoreChange(const std::string& directoryOption, const std::string& name)
     : m_directory(useConfigDirectory(directoryOption)), m_lock(m_directory),
       m_file(m_directory + name), m_existed(exists(m_file)) {}
 

@@ -26,7 +26,7 @@ void describeExits(CLI::App& command, const std::string& statuses, const std::st
 // The store file `name` (as "/notify.xml") of the configuration directory given by the option
 // (or the application's own), after making sure that listing it lists what it holds: a file
 // the library cannot read fails with status 2.
-std::string readableStoreFile(const std::string& directoryOption, const char* name,
+std::string readableStoreFile(const std::string& directoryOption, const std::string& name,
                               check::FileKind kind);
 
 // One change of one store file. Holds the configuration directory's lock from before the
@@ -34,7 +34,7 @@ std::string readableStoreFile(const std::string& directoryOption, const char* na
 // tool take turns.
 class StoreChange {
 public:
-    StoreChange(const std::string& directoryOption, const char* name);
+    StoreChange(const std::string& directoryOption, const std::string& name);
 
     const std::string& directory() const { return m_directory; }
     const std::string& file() const { return m_file; }

@@ -2,15 +2,16 @@
 // table through the library and show the row that answers a query.
 
 #include "Commands.h"
+
+#include "Conversions.h"
 #include "Failure.h"
 #include "Lookup.h"
-#include "ToolOutput.h"
-
 #include "NString.h"
 #include "PRuntimeCpid.h"
 #include "PRuntimeCrashCode.h"
 #include "PRuntimePluginMapping.h"
 #include "PRuntimeRestoreError.h"
+#include "ToolOutput.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -134,8 +135,8 @@ void runCpid(const Lookup& lookup) {
     PRuntimeCpid table;
     load(table, lookup.table, check::FileKind::Cpid);
     // The texts that the rows are matched against, for the messages.
-    const std::string chipText = NString::format("%04X", chip).toStdString();
-    const std::string boardText = NString::format("%02X", board).toStdString();
+    const std::string chipText = pallix::format::chipText(chip);
+    const std::string boardText = pallix::format::boardText(board);
     PRuntimeInfoCpid row;
     const bool found = table.find(NDeviceInfoRecovery(chip, board), row);
     const bool fallback = found && row.bdid().toStdString() != boardText;

@@ -2,6 +2,9 @@
 // their digests and addresses, the partner port, plug-in versions and process rules.
 
 #include "Checkers.h"
+
+#include "CloudFormat.h"
+#include "Conversions.h"
 #include "SourceFile.h"
 #include "ValueRules.h"
 
@@ -18,8 +21,7 @@ namespace pallix::check {
 
 namespace {
 
-const char* const kReferenceFiles[] = {"CPID", "CrashCode", "RestoreCode", "RestoreVersion",
-                                       "DeveloperPluginMapping"};
+const auto& kReferenceFiles = format::cloud::kReferenceNames;
 
 bool isWebAddress(const std::string& url) {
     const auto schemeEnd = url.find("://");
@@ -116,7 +118,7 @@ void checkPartner(SourceFile& file, const pugi::xml_node& root) {
         file.error(file.offsetOf(authorize, "ServicePort"),
                    "ServicePort " + inQuotes(port.value()) +
                        " is not a port number from 0 to 65535; it is read as " +
-                       std::to_string(static_cast<unsigned short>(port.as_uint())));
+                       std::to_string(format::readPort(port)));
     }
 }
 

@@ -2,6 +2,8 @@
 // that would not survive a load, names the application does not know, repeated keys.
 
 #include "Checkers.h"
+
+#include "ConfigurationFormat.h"
 #include "SourceFile.h"
 #include "ValueRules.h"
 
@@ -216,7 +218,8 @@ void checkVersion(SourceFile& file, const pugi::xml_document& document) {
     const pugi::xml_node control = root.child("Control");
     if (!control) {
         file.error(file.offsetOf(root),
-                   "no \"Control\" element: the running version falls back to \"5.0.0\"");
+                   "no \"Control\" element: the running version falls back to \"" +
+                       std::string(format::configuration::kFallbackVersion) + "\"");
         return;
     }
     const pugi::xml_node version = control.child("Version");

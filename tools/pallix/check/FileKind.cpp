@@ -1,6 +1,10 @@
 #include "FileKind.h"
 
+#include "CloudFormat.h"
+#include "ConfigurationFormat.h"
 #include "SourceFile.h"
+#include "StoreFormats.h"
+#include "TableFormats.h"
 #include "ValueRules.h"
 
 #include <pugixml.hpp>
@@ -20,20 +24,27 @@ bool hasAnyChild(const pugi::xml_node& node, std::initializer_list<const char*> 
 }
 
 std::optional<FileKind> detectNevorKind(const pugi::xml_node& root) {
-    if (root.child("Notify")) {
+    if (root.child(format::notify::kList)) {
         return FileKind::Notify;
     }
-    if (hasAnyChild(root, {"Application", "Cooperate", "Device"})) {
+    if (hasAnyChild(root, {format::cloud::kApplication, format::cloud::kCooperate,
+                           format::cloud::kDevice})) {
         return FileKind::Cloud;
     }
-    if (hasAnyChild(root, {"LastVersion", "PopupTimeADAPP", "SameTimeDownloadNumber",
-                           "DownloadMaxSpeed", "LastSkin", "LastLanguage", "RestoreCore", "Status",
-                           "Directory", "Tools", "CustomBackup", "FileFavorites", "AutoImport",
-                           "VirtualLocation", "LocationFavorites", "UserDir"})) {
+    namespace configuration = format::configuration;
+    if (hasAnyChild(root, {configuration::kLastVersion, configuration::kPopupTimeADAPP,
+                           configuration::kSameTimeDownloadNumber, configuration::kDownloadMaxSpeed,
+                           configuration::kLastSkin, configuration::kLastLanguage,
+                           configuration::kRestoreCore, configuration::kStatus,
+                           configuration::kDirectory, configuration::kTools,
+                           configuration::kCustomBackup, configuration::kFileFavorites,
+                           configuration::kAutoImport, configuration::kVirtualLocation,
+                           configuration::kLocationFavorites, configuration::kUserDir})) {
         return FileKind::Config;
     }
     for (pugi::xml_node child = root.first_child(); child; child = child.next_sibling()) {
-        if (child.attribute("Version") || child.attribute("Mapping")) {
+        if (child.attribute(format::plugin_mapping::kVersion) ||
+            child.attribute(format::plugin_mapping::kMapping)) {
             return FileKind::Mapping;
         }
     }
@@ -72,29 +83,30 @@ Detection detectXmlKind(SourceFile& file, const pugi::xml_document& document) {
     const pugi::xml_node root = document.document_element();
     const std::string name = root.name();
     Detection detection;
-    if (name == "DEVICE") {
+    if (name == format::cpid::kRoot) {
         detection.kind = FileKind::Cpid;
-    } else if (name == "CRASH") {
+    } else if (name == format::crash::kRoot) {
         detection.kind = FileKind::Crash;
-    } else if (name == "APPLE") {
+    } else if (name == format::restore_error::kRoot) {
         detection.kind = FileKind::RestoreError;
-    } else if (name == "root") {
+    } else if (name == format::configuration::version::kRoot) {
         detection.kind = FileKind::Version;
-    } else if (name == "Config") {
+    } else if (name == format::configuration::legacy::kRoot) {
         detection.kind = FileKind::LegacyConfig;
-    } else if (name == "ROOT") {
+    } else if (name == format::notify::kOldRoot) {
         detection.kind = FileKind::OldNotify;
-    } else if (name == "Rilo") {
-        if (root.child("BIND")) {
+    } else if (name == format::portbind::kRoot || name == format::custom_firmware::kRoot) {
+        if (root.child(format::portbind::kList)) {
             detection.kind = FileKind::Portbind;
-        } else if (root.child("MATCH")) {
+        } else if (root.child(format::custom_firmware::kList)) {
             detection.kind = FileKind::Ipsw;
         } else {
             detection.ambiguity = "cannot tell whether this is the port bindings or the custom "
                                   "firmware list: its root \"Rilo\" has neither \"BIND\" nor "
                                   "\"MATCH\"; name its kind with --kind";
         }
-    } else if (name == "Nevor") {
+    } else if (name == format::cloud::kRoot || name == format::configuration::kRoot ||
+               name == format::notify::kRoot || name == format::plugin_mapping::kRoot) {
         detection.kind = detectNevorKind(root);
         if (!detection.kind) {
             detection.ambiguity = "cannot tell what kind of file this is: its root \"Nevor\" is "

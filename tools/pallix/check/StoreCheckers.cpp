@@ -2,7 +2,9 @@
 // and factory information.
 
 #include "Checkers.h"
+#include "Conversions.h"
 #include "SourceFile.h"
+#include "StoreFormats.h"
 #include "ValueRules.h"
 
 #include <nlohmann/json.hpp>
@@ -19,23 +21,6 @@
 namespace pallix::check {
 
 namespace {
-
-// Factory values are bytes written as base64 text with padding.
-bool isBase64(const std::string& text) {
-    if (text.size() % 4 != 0) {
-        return false;
-    }
-    const std::size_t padding = text.find_first_of('=');
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-                            (c >= '0' && c <= '9') || c == '+' || c == '/';
-        if (i < padding ? !letter : (c != '=' || i + 2 < text.size())) {
-            return false;
-        }
-    }
-    return true;
-}
 
 // Walks the entries of a store file: root element, container, one element per entry.
 template <typename EachEntry>
@@ -181,7 +166,8 @@ void warnAboutRepeatedNames(SourceFile& file, const std::vector<JsonName>& names
 void checkNotify(SourceFile& file, const pugi::xml_document& document) {
     std::set<unsigned long long> ids;
     forEachEntry(
-        file, document, "Nevor", "Notify", kTextIsAnEmptyEntry, [&](const pugi::xml_node& item) {
+        file, document, format::notify::kRoot, format::notify::kList, kTextIsAnEmptyEntry,
+        [&](const pugi::xml_node& item) {
             checkNotification(file, item, "Timestamp");
             const unsigned long long value = item.child("ID").attribute("VALUE").as_ullong();
             if (!ids.insert(value).second) {
@@ -274,9 +260,8 @@ void checkFactory(SourceFile& file) {
         const JsonName* first = findName(names, 0, name, false);
         const JsonName* last = findName(names, 0, name, true);
         const std::size_t at = first != nullptr ? first->offset : 0;
-        const unsigned long long id = std::strtoull(name.c_str(), nullptr, 16);
-        char canonical[17];
-        std::snprintf(canonical, sizeof canonical, "%016llX", id);
+        const unsigned long long id = format::readDeviceId(name.c_str());
+        const std::string canonical = format::deviceIdText(id);
         if (id == 0) {
             file.error(at, "member " + inQuotes(name) +
                                " is not a device id of sixteen hexadecimal digits; it is dropped");
@@ -304,7 +289,7 @@ void checkFactory(SourceFile& file) {
         const std::size_t values = last != nullptr ? last->valueObject : kNoObject;
         for (const auto& value : member.value().items()) {
             const JsonName* valueName = findName(names, values, value.key(), false);
-            if (!value.value().is_string() || !isBase64(value.value().get<std::string>())) {
+            if (!value.value().is_string() || !format::isBase64(value.value().get<std::string>())) {
                 file.error(valueName != nullptr ? valueName->offset : at,
                            "value " + inQuotes(value.key()) + " of device " + canonical +
                                " is not base64 text; it reads as empty bytes");
