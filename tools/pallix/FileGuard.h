@@ -15,6 +15,11 @@ namespace pallix::tool {
 // Something other than a regular file is never replaced, forced or not.
 void guardFile(const std::string& path, check::FileKind kind, bool force);
 
+// Why the library would not read the file as `kind` (not a regular file, unreadable, malformed,
+// another kind); empty when it would, and when there is no file. For a command that only reads
+// and warns.
+std::string fileProblem(const std::string& path, check::FileKind kind);
+
 void addForceFlag(CLI::App& command, bool& force);
 
 } // namespace pallix::tool

@@ -37,6 +37,10 @@ void printJson(const nlohmann::json& document) {
     std::cout << document.dump(2) << '\n';
 }
 
+void printJson(const nlohmann::ordered_json& document) {
+    std::cout << document.dump(2) << '\n';
+}
+
 std::string escapeField(const std::string& field) {
     std::string escaped;
     escaped.reserve(field.size());

@@ -23,6 +23,7 @@ void reportNote(const std::string& message);
 void addJsonFlag(CLI::App& command, bool& json);
 // Prints a JSON document on standard output, indented, followed by a line feed.
 void printJson(const nlohmann::json& document);
+void printJson(const nlohmann::ordered_json& document);
 
 // One line of tab-separated fields. A tab, line feed, carriage return or backslash inside a
 // field is written as \t, \n, \r or \\, so that every line is one record.

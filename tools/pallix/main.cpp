@@ -113,7 +113,9 @@ void registerHelpCommand(CLI::App& app, std::vector<std::string>& words) {
             }
             command = sub;
         }
-        std::cout << command->help();
+        // Named from the tool down, as "pallix COMMAND --help" names it.
+        std::cout << command->help(command == &app ? std::string()
+                                                   : commandPath(*command->get_parent()));
     });
 }
 
