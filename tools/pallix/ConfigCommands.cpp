@@ -36,7 +36,7 @@ struct Arguments {
 // The footer of a help screen: an example, then what the exit statuses mean for the command.
 void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses) {
     setExample(command, example);
-    command.footer(command.get_footer() + "\n\nExit status: " + statuses);
+    command.footer(command.get_footer() + "\n\nExit status: " + statuses + "\n");
 }
 
 const char* const kStartProblems =
