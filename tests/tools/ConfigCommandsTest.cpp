@@ -3,8 +3,11 @@
 // ConfigChangesTest.cpp.
 
 #include "ConfigToolFixture.h"
+#include "ReadOnlyDirectory.h"
 
 #include <nlohmann/json.hpp>
+
+#include <iostream>
 
 using pallix::test::contains;
 using pallix::test::exists;
@@ -304,6 +307,26 @@ TEST_F(ConfigCommandsTest, AFileGivenAsTheConfigurationDirectoryIsAnError) {
     const ToolResult result = runPlain({"config", "show", "--config-dir", scratch("file")});
     EXPECT_EQ(result.status, 2);
     EXPECT_TRUE(contains(result.errors, scratch("file") + ": is not a directory")) << result.errors;
+}
+
+TEST_F(ConfigCommandsTest, AnUnreadableConfigurationDirectoryIsAnError) {
+    const std::string locked = scratch("locked");
+    std::filesystem::create_directories(locked);
+    ASSERT_EQ(::chmod(locked.c_str(), 0), 0);
+    // File modes do not stop root: the tool runs as a user whom they do stop.
+    const std::string parent = std::filesystem::path(locked).parent_path().string();
+    const int status = pallix::test::runWithReadOnlyDirectory(parent, [&] {
+        const ToolResult result = runPlain({"config", "--config-dir", locked, "show"});
+        const bool refused =
+            result.status == 2 &&
+            contains(result.errors, locked + ": the configuration directory cannot be read");
+        if (!refused) {
+            std::cerr << result.status << " " << result.errors;
+        }
+        return refused;
+    });
+    ::chmod(locked.c_str(), 0755);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(ConfigCommandsTest, ConfigurationDirectoryDefaultsToTheApplicationsOwn) {
