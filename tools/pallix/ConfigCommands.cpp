@@ -40,8 +40,8 @@ void finishHelp(CLI::App& command, const std::string& example, const std::string
 }
 
 const char* const kStartProblems =
-    "2 a usage error, a directory that cannot be used, or a file that start-up would replace "
-    "without having read it (see --force).";
+    "2 a usage error, a directory that cannot be used, or a configuration file that cannot be "
+    "read as it is (see --force).";
 
 // ---- show and dirs ---------------------------------------------------------------------------
 
@@ -259,7 +259,7 @@ void registerConfigCommands(CLI::App& app) {
         if (json) {
             addJsonFlag(*command, options.json);
         }
-        finishHelp(*command, example, statuses + " " + kStartProblems);
+        finishHelp(*command, example, statuses + "; " + kStartProblems);
         return command;
     };
 
@@ -272,7 +272,7 @@ void registerConfigCommands(CLI::App& app) {
            "autoImport and directory (objects by name), and customBackup, fileFavorites, "
            "virtualLocation and locationFavorites (arrays of the entries that 'list --json' "
            "prints).",
-           "pallix config show --json", "0 printed.", true)
+           "pallix config show --json", "0 printed", true)
         ->callback([] {
             ConfigSession session(options, false);
             show(session, options.json);
@@ -287,7 +287,7 @@ void registerConfigCommands(CLI::App& app) {
         "knows are found with their defaults. With --json: {\"key\": KEY, \"value\": VALUE}, "
         "the value a string, a number or a boolean.",
         "pallix config get Status/ITunesAutorun",
-        "0 printed; 1 the configuration holds no such name.", true);
+        "0 printed; 1 the configuration holds no such name", true);
     getCommand->add_option("key", arguments.key, "What to print")->required();
     getCommand->callback([] {
         resolveSetting(nullptr, arguments.key);
@@ -302,7 +302,7 @@ void registerConfigCommands(CLI::App& app) {
         "it is read again: 32 bits for SameTimeDownloadNumber, DownloadMaxSpeed, LastLanguage "
         "and RestoreCore, unsigned 64 bits for PopupTimeADAPP. Prints what changed.",
         "pallix config set Status/KeepFirmwareCache false",
-        "0 changed, or already so (nothing written); 1 the change could not be written.", false);
+        "0 changed, or already so (nothing written); 1 the change could not be written", false);
     setCommand->add_option("key", arguments.key, "What to change")->required();
     setCommand->add_option("value", arguments.value, "The new value")->required();
     setCommand->callback([] { set(options, arguments.key, arguments.value); });
@@ -312,7 +312,7 @@ void registerConfigCommands(CLI::App& app) {
                "Print a list, one entry per line, fields separated by a tab: PATH; PATH and "
                "'root' or '-'; X, Y and NAME. With --json: {\"list\": NAME, \"entries\": [...]}, "
                "each entry {\"path\"}, {\"path\", \"root\"} or {\"x\", \"y\", \"location\"}.",
-               "pallix config list VirtualLocation --json", "0 printed.", true);
+               "pallix config list VirtualLocation --json", "0 printed", true);
     listCommand->add_option("list", arguments.list, listHelp)->required();
     listCommand->callback([] {
         const List list = parseList(arguments.list);
@@ -339,7 +339,7 @@ void registerConfigCommands(CLI::App& app) {
         "is left as it is, root flag included. Prints what happened.",
         "pallix config add VirtualLocation 31.2304 121.4737 Shanghai",
         "0 added, renamed, moved, or already there (nothing written); 1 a file favourite there "
-        "with the other root flag (nothing written), or a change that could not be written.",
+        "with the other root flag (nothing written), or a change that could not be written",
         false);
     addCommand->add_option("list", arguments.list, listHelp)->required();
     addCommand->add_option("values", arguments.values, "The entry")->required();
@@ -356,7 +356,7 @@ void registerConfigCommands(CLI::App& app) {
         "Remove from a list: CustomBackup PATH, FileFavorites PATH [--root] (the root flag must "
         "match), VirtualLocation X Y, LocationFavorites X Y (exactly as 'list' prints them).",
         "pallix config remove CustomBackup /Volumes/Backups",
-        "0 removed; 1 not there (nothing written), or a change that could not be written.", false);
+        "0 removed; 1 not there (nothing written), or a change that could not be written", false);
     removeCommand->add_option("list", arguments.list, listHelp)->required();
     removeCommand->add_option("values", arguments.values, "The entry")->required();
     removeCommand->add_flag("--root", arguments.root, "The file favourite is marked as a root");
@@ -370,7 +370,7 @@ void registerConfigCommands(CLI::App& app) {
     CLI::App* clearCommand = action(
         "clear", "Empty a place list: VirtualLocation or LocationFavorites.",
         "pallix config clear VirtualLocation",
-        "0 cleared, or already empty (nothing written); 1 a change that could not be written.",
+        "0 cleared, or already empty (nothing written); 1 a change that could not be written",
         false);
     clearCommand->add_option("list", arguments.list, "VirtualLocation or LocationFavorites")
         ->required();
@@ -387,7 +387,7 @@ void registerConfigCommands(CLI::App& app) {
            "Print the named directories and the working directories under the data root, "
            "creating the working directories as the application does. With --json: "
            "{\"directory\": {NAME: PATH}, \"working\": {\"localRoot\": PATH, ...}}.",
-           "pallix config dirs --json", "0 printed.", true)
+           "pallix config dirs --json", "0 printed", true)
         ->callback([] {
             ConfigSession session(options, false);
             printDirectories(session.config(), options.json);
