@@ -108,43 +108,41 @@ ordered_json showJson(ConfigSession& session) {
     return document;
 }
 
+// The text form prints the same document: the maps as rows, the lists as tab-separated fields.
 void show(ConfigSession& session, bool json) {
+    const ordered_json document = showJson(session);
     if (json) {
-        printJson(showJson(session));
+        printJson(document);
         return;
     }
-    PRuntimeConfig& config = session.config();
-    std::cout << "Configuration directory: " << session.directory() << '\n'
-              << "Configuration file:      " << session.currentFile()
-              << (config.newInstall() ? " (not written yet)" : "") << '\n'
-              << "Version:                 " << config.version().data() << '\n'
-              << "New installation:        " << (config.newInstall() ? "yes" : "no") << '\n'
-              << "New update:              " << (config.newUpdate() ? "yes" : "no") << '\n';
-
-    std::cout << "\nPreferences\n";
-    for (const auto& [name, value] : preferences(config)) {
-        printRow(name, plainText(value));
-    }
-    std::cout << "\nStatus\n";
-    for (const auto& [name, value] : statusFlags(config)) {
-        printRow(name, value ? "true" : "false");
-    }
-    std::vector<std::pair<std::string, bool>> tools;
-    config.toolsHotTraverse(
-        [&tools](const NString& name, bool hot) { tools.emplace_back(name.toStdString(), hot); });
-    std::cout << "\nTools (" << tools.size() << ")\n";
-    for (const auto& [name, hot] : tools) {
-        printRow(name, hot ? "hot" : "not hot");
-    }
-    std::cout << "\nAutoImport\n";
-    printRow("Ringtone", config.getAutoImportRingtone() ? "true" : "false");
-    std::cout << "\nDirectory\n";
-    config.configDirectoryTraverse([](const NString& name, const NString& path) {
-        printRow(name.toStdString(), path.toStdString());
-    });
+    const bool fresh = document["newInstall"].get<bool>();
+    std::cout << "Configuration directory: " << plainText(document["configDirectory"]) << '\n'
+              << "Configuration file:      " << plainText(document["configFile"])
+              << (fresh ? " (not written yet)" : "") << '\n'
+              << "Version:                 " << plainText(document["version"]) << '\n'
+              << "New installation:        " << (fresh ? "yes" : "no") << '\n'
+              << "New update:              " << (document["newUpdate"].get<bool>() ? "yes" : "no")
+              << '\n';
+    const auto rows = [&document](const char* title, const char* field, bool counted) {
+        const ordered_json& values = document[field];
+        std::cout << '\n' << title;
+        if (counted) {
+            std::cout << " (" << values.size() << ")";
+        }
+        std::cout << '\n';
+        for (const auto& [name, value] : values.items()) {
+            const bool tools = std::string(field) == "tools";
+            printRow(name, tools ? (value.get<bool>() ? "hot" : "not hot") : plainText(value));
+        }
+    };
+    rows("Preferences", "preferences", false);
+    rows("Status", "status", false);
+    rows("Tools", "tools", true);
+    rows("AutoImport", "autoImport", false);
+    rows("Directory", "directory", false);
     for (std::size_t i = 0; i < listNames().size(); ++i) {
         const List list = static_cast<List>(i);
-        const std::vector<Entry> found = entries(config, list);
+        const std::vector<Entry> found = entries(session.config(), list);
         std::cout << '\n' << nameOf(list) << " (" << found.size() << ")\n";
         for (const Entry& entry : found) {
             std::cout << "  ";
