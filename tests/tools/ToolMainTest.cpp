@@ -63,3 +63,13 @@ TEST(ToolMain, HelpCommandRefusesAnUnknownCommand) {
     EXPECT_EQ(result.status, 2);
     EXPECT_NE(result.errors.find("did you mean 'set'?"), std::string::npos) << result.errors;
 }
+
+TEST(ToolMain, UnknownOptionOfACommandIsNamedOnce) {
+    const auto result = runTool({"config", "add", "CustomBackup", "/x", "--rot"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.errors.rfind("pallix: config add: unknown option '--rot'; did you mean "
+                                  "'--root'?\n",
+                                  0),
+              0U)
+        << result.errors;
+}

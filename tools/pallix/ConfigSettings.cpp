@@ -149,7 +149,7 @@ Setting preferenceSetting(PRuntimeConfig* config, const std::string& key) {
               didYouMean(key, preferenceNames()));
 }
 
-// The entries of a family as its traversal gives them; a flag's value is kept as text.
+// The names and values of a family, as its traversal gives them.
 using Entries = std::vector<std::pair<std::string, json>>;
 
 Entries

@@ -84,7 +84,7 @@ int reportUsageError(const CLI::App& app, const CLI::ParseError& error) {
     if (!word.empty()) {
         if (word.rfind("-", 0) == 0) {
             message =
-                commandPath(command) + ": unknown option '" + word + "'" +
+                commandPrefix(command) + "unknown option '" + word + "'" +
                 pallix::tool::didYouMean(word.substr(0, word.find('=')), optionNames(command));
         } else if (!command.get_subcommands([](const CLI::App*) { return true; }).empty()) {
             message = commandPrefix(command) + "unknown command '" + word + "'" +
