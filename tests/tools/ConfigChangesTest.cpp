@@ -174,6 +174,23 @@ TEST_F(ConfigChangesTest, AMalformedLegacyFileIsNeitherImportedNorRemoved) {
     EXPECT_FALSE(exists(legacyFile()));
 }
 
+TEST_F(ConfigChangesTest, ALegacyFileIsNotImportedWhereTheImportCannotBeWritten) {
+    std::filesystem::copy_file(std::string(PALLIX_TEST_DATA_DIR) + "/config/Config.xml",
+                               legacyFile());
+    std::filesystem::create_directories(currentFile());
+    for (const char* force : {"", "--force"}) {
+        std::vector<std::string> arguments{"get", "LastSkin"};
+        if (*force != '\0') {
+            arguments.emplace_back(force);
+        }
+        const ToolResult result = run(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_TRUE(contains(result.errors, currentFile() + ": is not a regular file"))
+            << result.errors;
+    }
+    EXPECT_TRUE(std::filesystem::is_regular_file(legacyFile()));
+}
+
 TEST_F(ConfigChangesTest, AWellFormedLegacyFileIsImportedBeforeAChange) {
     std::filesystem::copy_file(std::string(PALLIX_TEST_DATA_DIR) + "/config/Config.xml",
                                legacyFile());
