@@ -1,75 +1,21 @@
-// "pallix config": the configuration commands of the tool, run as a separate program.
+// "pallix config": the configuration commands of the tool, run as a separate program. The
+// refusals, the guard, the lock and the commands that change nothing are in
+// ConfigChangesTest.cpp.
 
-#include "TemporaryDirectory.h"
-#include "ToolRunner.h"
+#include "ConfigToolFixture.h"
+#include "ReadOnlyDirectory.h"
 
-#include <gtest/gtest.h>
-#include <pugixml.hpp>
+#include <nlohmann/json.hpp>
 
-#include <sys/stat.h>
+#include <iostream>
 
-#include <filesystem>
-#include <string>
-#include <vector>
-
+using pallix::test::contains;
+using pallix::test::exists;
 using pallix::test::runProgram;
 using pallix::test::TemporaryDirectory;
 using pallix::test::ToolResult;
 
-namespace {
-
-class ConfigCommandsTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        std::filesystem::create_directories(config());
-        std::filesystem::create_directories(resources());
-        std::filesystem::create_directories(m_root.file("home"));
-        std::filesystem::copy_file(std::string(PALLIX_SAMPLES_DIR) + "/UpdateCfg.xml",
-                                   resources() + "/UpdateCfg.xml");
-    }
-
-    std::string config() const { return m_root.file("config"); }
-    std::string resources() const { return m_root.file("resources"); }
-    std::string home() const { return m_root.file("home"); }
-    std::string scratch(const std::string& name) const { return m_root.file(name); }
-    std::string currentFile() const { return config() + "/configure.xml"; }
-
-    // Runs "pallix config --config-dir <config> --resources-dir <resources> ARGS..." with the
-    // home and data directories inside the test's folder, so that defaults land there.
-    ToolResult run(const std::vector<std::string>& arguments) const {
-        std::vector<std::string> command{
-            "HOME=" + home(),  "XDG_DATA_HOME=" + home() + "/.local/share",
-            PALLIX_TOOL_PATH,  "config",
-            "--config-dir",    config(),
-            "--resources-dir", resources()};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        return runProgram("env", command);
-    }
-
-    // The written configuration, parsed.
-    pugi::xml_node written(pugi::xml_document& document) const {
-        EXPECT_TRUE(document.load_file(currentFile().c_str()));
-        return document.child("Nevor");
-    }
-
-    void writeCurrent(const std::string& xml) const {
-        TemporaryDirectory::write(currentFile(), xml);
-    }
-
-private:
-    TemporaryDirectory m_root{"pallix-tool-config"};
-};
-
-bool exists(const std::string& path) {
-    struct stat info {};
-    return ::stat(path.c_str(), &info) == 0;
-}
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-} // namespace
+using ConfigCommandsTest = pallix::test::ConfigToolTest;
 
 TEST_F(ConfigCommandsTest, ShowOnAnEmptyDirectoryPrintsTheStartUpConfiguration) {
     const ToolResult result = run({"show"});
@@ -130,14 +76,33 @@ TEST_F(ConfigCommandsTest, GetPrintsPreferencesAndStartUpFacts) {
     EXPECT_EQ(run({"get", "NewUpdate"}).output, "true\n");
 }
 
-TEST_F(ConfigCommandsTest, GetPrintsFlagsWithTheirDefaults) {
+TEST_F(ConfigCommandsTest, GetPrintsTheKnownSettingsWithTheirDefaults) {
     EXPECT_EQ(run({"get", "Status/ITunesAutorun"}).output, "true\n");
-    EXPECT_EQ(run({"get", "Status/NotASetting"}).output, "false\n");
-    EXPECT_EQ(run({"get", "Tools/Anything"}).output, "true\n");
+    EXPECT_EQ(run({"get", "Status/RESTORE_FACTORY"}).output, "false\n");
     EXPECT_EQ(run({"get", "AutoImport/Ringtone"}).output, "true\n");
     EXPECT_EQ(run({"get", "Directory/Backup"}).output,
               home() + "/.local/share/MobileSync/Backup\n");
     EXPECT_FALSE(exists(currentFile()));
+}
+
+TEST_F(ConfigCommandsTest, GetOfANameTheConfigurationDoesNotHoldIsNotFound) {
+    writeCurrent("<Nevor><Status><Item Name=\"CustomFlag\" Status=\"true\"/></Status>"
+                 "<Tools><Item Name=\"Cleaner\" Status=\"false\"/></Tools></Nevor>");
+    for (const char* key : {"Tools/Foo", "Status/NotASetting", "Directory/Music"}) {
+        const ToolResult result = run({"get", key});
+        EXPECT_EQ(result.status, 1) << key;
+        EXPECT_EQ(result.output, "") << key;
+        EXPECT_TRUE(contains(result.errors, std::string("pallix: ") + key + ": not found"))
+            << result.errors;
+    }
+    EXPECT_EQ(run({"get", "Status/CustomFlag"}).output, "true\n");
+    EXPECT_EQ(run({"get", "Tools/Cleaner"}).output, "false\n");
+    const ToolResult typo = run({"get", "Tools/Claener"});
+    EXPECT_EQ(typo.status, 1);
+    EXPECT_TRUE(contains(typo.errors, "did you mean 'Cleaner'?")) << typo.errors;
+    const ToolResult setting = run({"get", "Status/ITunesAutorn"});
+    EXPECT_EQ(setting.status, 1);
+    EXPECT_TRUE(contains(setting.errors, "did you mean 'ITunesAutorun'?")) << setting.errors;
 }
 
 TEST_F(ConfigCommandsTest, SetChangesAPreferenceAndSavesIt) {
@@ -209,11 +174,31 @@ TEST_F(ConfigCommandsTest, BadValuesAreRefusedAndNothingIsSaved) {
 
 TEST_F(ConfigCommandsTest, UnknownKeysAreRefused) {
     for (const char* key : {"Bogus", "Status/", "Colours/Red", "AutoImport/Video"}) {
-        const ToolResult result = run({"get", key});
-        EXPECT_EQ(result.status, 2) << key;
-        EXPECT_TRUE(contains(result.errors, "unknown key")) << result.errors;
-        EXPECT_TRUE(result.output.empty());
+        for (const char* command : {"get", "set"}) {
+            std::vector<std::string> arguments{command, key};
+            if (std::string(command) == "set") {
+                arguments.emplace_back("true");
+            }
+            const ToolResult result = run(arguments);
+            EXPECT_EQ(result.status, 2) << command << " " << key;
+            EXPECT_TRUE(contains(result.errors, "unknown key")) << result.errors;
+            EXPECT_TRUE(result.output.empty());
+        }
     }
+    EXPECT_FALSE(exists(currentFile()));
+}
+
+TEST_F(ConfigCommandsTest, MistypedKeysGetASuggestion) {
+    ToolResult result = run({"get", "LastSkn"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, "did you mean 'LastSkin'?")) << result.errors;
+    result = run({"set", "Statsu/WiFiConnect", "true"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, "did you mean 'Status'?")) << result.errors;
+    result = run({"list", "VirtualLocations"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, "did you mean 'VirtualLocation'?")) << result.errors;
+    EXPECT_FALSE(exists(currentFile()));
 }
 
 TEST_F(ConfigCommandsTest, CustomBackupsAreAddedNormalisedListedAndRemoved) {
@@ -226,27 +211,32 @@ TEST_F(ConfigCommandsTest, CustomBackupsAreAddedNormalisedListedAndRemoved) {
 }
 
 TEST_F(ConfigCommandsTest, DuplicateAddIsReportedAndChangesNothing) {
-    ASSERT_EQ(run({"add", "CustomBackup", "/b"}).status, 0);
-    const ToolResult result = run({"add", "CustomBackup", "/b/"});
+    ToolResult result = run({"add", "CustomBackup", "/b"});
+    ASSERT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "CustomBackup: added /b\n");
+    result = run({"add", "CustomBackup", "/b/"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(contains(result.errors, "already in CustomBackup")) << result.errors;
+    EXPECT_EQ(result.output, "CustomBackup: /b is already there; nothing changed\n");
     EXPECT_EQ(run({"list", "CustomBackup"}).output, "/b\n");
 }
 
-TEST_F(ConfigCommandsTest, RemovingAnAbsentEntryIsReported) {
+TEST_F(ConfigCommandsTest, RemovingAnAbsentEntryIsNotFound) {
     const ToolResult result = run({"remove", "VirtualLocation", "1", "2"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(contains(result.errors, "no such entry")) << result.errors;
-    EXPECT_TRUE(exists(currentFile()));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(contains(result.errors, "VirtualLocation: 1 2 is not there")) << result.errors;
+    EXPECT_FALSE(exists(currentFile()));
 }
 
 TEST_F(ConfigCommandsTest, FileFavouritesCarryTheirRootFlag) {
     ASSERT_EQ(run({"add", "FileFavorites", "/Users/me/Docs", "--root"}).status, 0);
     ASSERT_EQ(run({"add", "FileFavorites", "/Users/me/Music"}).status, 0);
     EXPECT_EQ(run({"list", "FileFavorites"}).output, "/Users/me/Docs\troot\n/Users/me/Music\t-\n");
-    ASSERT_EQ(run({"remove", "FileFavorites", "/Users/me/Docs"}).status, 0);
-    EXPECT_EQ(run({"list", "FileFavorites"}).output.size(),
-              std::string("/Users/me/Docs\troot\n/Users/me/Music\t-\n").size());
+    const ToolResult withoutRoot = run({"remove", "FileFavorites", "/Users/me/Docs"});
+    EXPECT_EQ(withoutRoot.status, 1);
+    EXPECT_TRUE(contains(withoutRoot.errors, "/Users/me/Docs is there with the root flag"))
+        << withoutRoot.errors;
+    EXPECT_TRUE(contains(withoutRoot.errors, "remove it with --root")) << withoutRoot.errors;
+    EXPECT_EQ(run({"list", "FileFavorites"}).output, "/Users/me/Docs\troot\n/Users/me/Music\t-\n");
     ASSERT_EQ(run({"remove", "FileFavorites", "/Users/me/Docs", "--root"}).status, 0);
     EXPECT_EQ(run({"list", "FileFavorites"}).output, "/Users/me/Music\t-\n");
 }
@@ -284,7 +274,7 @@ TEST_F(ConfigCommandsTest, ListArgumentsAreChecked) {
     EXPECT_EQ(run({"add", "CustomBackup", "/a", "/b"}).status, 2);
     const ToolResult result = run({"add", "LocationFavorites", "north", "2", "X"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_TRUE(contains(result.errors, "'north' is not a number")) << result.errors;
+    EXPECT_TRUE(contains(result.errors, "'north' is not a finite number")) << result.errors;
     EXPECT_FALSE(exists(currentFile()));
 }
 
@@ -307,31 +297,86 @@ TEST_F(ConfigCommandsTest, DirsPrintsAndCreatesTheWorkingDirectories) {
 TEST_F(ConfigCommandsTest, MissingConfigurationDirectoryIsAnError) {
     const ToolResult result =
         runProgram(PALLIX_TOOL_PATH, {"config", "--config-dir", scratch("nowhere"), "show"});
-    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.status, 2);
     EXPECT_TRUE(contains(result.errors, "no such configuration directory")) << result.errors;
     EXPECT_FALSE(exists(scratch("nowhere")));
 }
 
-TEST_F(ConfigCommandsTest, ConfigurationDirectoryIsRequired) {
-    const ToolResult result = runProgram(PALLIX_TOOL_PATH, {"config", "show"});
-    EXPECT_NE(result.status, 0);
-    EXPECT_TRUE(contains(result.errors, "--config-dir")) << result.errors;
+TEST_F(ConfigCommandsTest, AFileGivenAsTheConfigurationDirectoryIsAnError) {
+    TemporaryDirectory::write(scratch("file"), "x");
+    const ToolResult result = runPlain({"config", "show", "--config-dir", scratch("file")});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, scratch("file") + ": is not a directory")) << result.errors;
 }
 
-TEST_F(ConfigCommandsTest, MalformedConfigurationIsDiagnosedWithItsPosition) {
+TEST_F(ConfigCommandsTest, AnUnreadableConfigurationDirectoryIsAnError) {
+    const std::string locked = scratch("locked");
+    std::filesystem::create_directories(locked);
+    ASSERT_EQ(::chmod(locked.c_str(), 0), 0);
+    // File modes do not stop root: the tool runs as a user whom they do stop.
+    const std::string parent = std::filesystem::path(locked).parent_path().string();
+    const int status = pallix::test::runWithReadOnlyDirectory(parent, [&] {
+        const ToolResult result = runPlain({"config", "--config-dir", locked, "show"});
+        const bool refused =
+            result.status == 2 &&
+            contains(result.errors, locked + ": the configuration directory cannot be read");
+        if (!refused) {
+            std::cerr << result.status << " " << result.errors;
+        }
+        return refused;
+    });
+    ::chmod(locked.c_str(), 0755);
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(ConfigCommandsTest, ConfigurationDirectoryDefaultsToTheApplicationsOwn) {
+    ToolResult result = runPlain({"config", "set", "LastSkin", "ABCDEF"});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    EXPECT_TRUE(exists(home() + "/.config/TolVane/configure.xml"));
+    result = runPlain({"config", "get", "LastSkin"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "ABCDEF\n");
+}
+
+TEST_F(ConfigCommandsTest, DirectoryOptionsMayComeBeforeOrAfterTheAction) {
+    ASSERT_EQ(runPlain({"config", "--config-dir", config(), "set", "LastSkin", "ABCDEF"}).status,
+              0);
+    for (const auto& arguments : std::vector<std::vector<std::string>>{
+             {"config", "--config-dir", config(), "show"},
+             {"config", "show", "--config-dir", config()},
+             {"config", "--resources-dir", resources(), "show", "--config-dir", config()}}) {
+        const ToolResult result = runPlain(arguments);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_TRUE(contains(result.output, "Configuration directory: " + config() + "\n"))
+            << result.output;
+        EXPECT_TRUE(contains(result.output, "  LastSkin                  ABCDEF\n"));
+    }
+}
+
+TEST_F(ConfigCommandsTest, MalformedConfigurationIsRefusedByReadingCommandsUnlessForced) {
     writeCurrent("<Nevor>\n  <LastSkin Value=\"ABCDEF\">\n</Nevor>\n");
-    const ToolResult result = run({"get", "LastSkin"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.output, "236EE7\n");
-    EXPECT_TRUE(contains(result.errors, currentFile() + ":3:")) << result.errors;
-    EXPECT_TRUE(contains(result.errors, "start-up values")) << result.errors;
+    for (const auto& arguments : std::vector<std::vector<std::string>>{
+             {"get", "LastSkin"}, {"show"}, {"list", "CustomBackup"}, {"dirs"}}) {
+        const ToolResult result = run(arguments);
+        EXPECT_EQ(result.status, 2) << arguments[0];
+        EXPECT_EQ(result.output, "") << arguments[0];
+        EXPECT_TRUE(contains(result.errors, currentFile() + ": not well-formed XML"))
+            << result.errors;
+        EXPECT_TRUE(contains(result.errors, "pallix check " + currentFile())) << result.errors;
+    }
+    const ToolResult forced = run({"get", "LastSkin", "--force"});
+    EXPECT_EQ(forced.status, 0);
+    EXPECT_EQ(forced.output, "236EE7\n");
+    EXPECT_TRUE(contains(forced.errors, "warning: " + currentFile())) << forced.errors;
+    EXPECT_TRUE(contains(forced.errors, "start-up values")) << forced.errors;
 }
 
-TEST_F(ConfigCommandsTest, ConfigurationWithAnotherRootIsDiagnosed) {
+TEST_F(ConfigCommandsTest, ConfigurationWithAnotherRootIsRefused) {
     writeCurrent("<Settings/>");
     const ToolResult result = run({"show"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(contains(result.errors, "has no \"Nevor\" root element")) << result.errors;
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, currentFile())) << result.errors;
+    EXPECT_TRUE(contains(result.errors, "\"Settings\"")) << result.errors;
 }
 
 TEST_F(ConfigCommandsTest, MissingVersionFileIsDiagnosed) {
@@ -374,4 +419,102 @@ TEST_F(ConfigCommandsTest, HelpListsTheCommands) {
     for (const char* command : {"show", "get", "set", "list", "add", "remove", "clear", "dirs"}) {
         EXPECT_TRUE(contains(result.output, std::string("  ") + command + " ")) << command;
     }
+}
+
+TEST_F(ConfigCommandsTest, EveryHelpEndsWithAnExampleAndTheExitStatuses) {
+    for (const char* command :
+         {"", "show", "get", "set", "list", "add", "remove", "clear", "dirs"}) {
+        std::vector<std::string> arguments{"config"};
+        if (*command != '\0') {
+            arguments.emplace_back(command);
+        }
+        arguments.emplace_back("--help");
+        const ToolResult result = runPlain(arguments);
+        EXPECT_EQ(result.status, 0) << command;
+        const auto example = result.output.find("\nExample");
+        const auto statuses = result.output.find("\nExit status: 0 ");
+        EXPECT_NE(example, std::string::npos) << command << ":\n" << result.output;
+        EXPECT_NE(statuses, std::string::npos) << command << ":\n" << result.output;
+        EXPECT_LT(example, statuses) << command;
+        EXPECT_TRUE(contains(result.output.substr(example), "pallix config")) << command;
+    }
+}
+
+TEST_F(ConfigCommandsTest, HelpCommandDescribesAnAction) {
+    const ToolResult result = runPlain({"help", "config", "set"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_TRUE(contains(result.output, "Usage: pallix config set [OPTIONS] key value"))
+        << result.output;
+    EXPECT_TRUE(contains(result.output, "32 bits")) << result.output;
+}
+
+// ---- --json ----------------------------------------------------------------------------------
+
+TEST_F(ConfigCommandsTest, ShowAsJson) {
+    ASSERT_EQ(run({"add", "VirtualLocation", "1.5", "-2.25", "Here"}).status, 0);
+    ASSERT_EQ(run({"add", "FileFavorites", "/f", "--root"}).status, 0);
+    ASSERT_EQ(run({"set", "Tools/Cleaner", "false"}).status, 0);
+    const ToolResult result = run({"show", "--json"});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    const auto document = nlohmann::json::parse(result.output);
+    EXPECT_EQ(document["configDirectory"], config());
+    EXPECT_EQ(document["configFile"], currentFile());
+    EXPECT_EQ(document["version"], "5.2.1");
+    EXPECT_EQ(document["newInstall"], false);
+    EXPECT_EQ(document["preferences"]["LastSkin"], "236EE7");
+    EXPECT_EQ(document["preferences"]["SameTimeDownloadNumber"], 3);
+    EXPECT_EQ(document["status"]["ITunesAutorun"], true);
+    EXPECT_EQ(document["tools"]["Cleaner"], false);
+    EXPECT_EQ(document["autoImport"]["Ringtone"], true);
+    EXPECT_EQ(document["directory"]["Data"], home() + "/TolVaneData");
+    EXPECT_EQ(document["customBackup"], nlohmann::json::array());
+    EXPECT_EQ(document["fileFavorites"][0]["path"], "/f");
+    EXPECT_EQ(document["fileFavorites"][0]["root"], true);
+    EXPECT_EQ(document["virtualLocation"][0]["x"], 1.5);
+    EXPECT_EQ(document["virtualLocation"][0]["y"], -2.25);
+    EXPECT_EQ(document["virtualLocation"][0]["location"], "Here");
+    EXPECT_EQ(document["locationFavorites"], nlohmann::json::array());
+}
+
+TEST_F(ConfigCommandsTest, ShowTellsANewInstallationFromTheLibrary) {
+    ToolResult result = run({"show"});
+    EXPECT_TRUE(contains(result.output, currentFile() + " (not written yet)\n")) << result.output;
+    ASSERT_EQ(run({"set", "LastSkin", "ABCDEF"}).status, 0);
+    result = run({"show"});
+    EXPECT_TRUE(contains(result.output, "Configuration file:      " + currentFile() + "\n"))
+        << result.output;
+}
+
+TEST_F(ConfigCommandsTest, GetAndListAsJson) {
+    ASSERT_EQ(run({"add", "CustomBackup", "/a\tb"}).status, 0);
+    auto value = [this](const std::string& key) {
+        const ToolResult result = run({"get", key, "--json"});
+        EXPECT_EQ(result.status, 0) << result.errors;
+        const auto document = nlohmann::json::parse(result.output);
+        EXPECT_EQ(document["key"], key);
+        return document["value"];
+    };
+    EXPECT_EQ(value("SameTimeDownloadNumber"), 3);
+    EXPECT_EQ(value("LastSkin"), "236EE7");
+    EXPECT_EQ(value("Status/ITunesAutorun"), true);
+    EXPECT_EQ(value("NewInstall"), false);
+    EXPECT_EQ(value("Version"), "5.2.1");
+    const ToolResult list = run({"list", "CustomBackup", "--json"});
+    ASSERT_EQ(list.status, 0) << list.errors;
+    const auto document = nlohmann::json::parse(list.output);
+    EXPECT_EQ(document["list"], "CustomBackup");
+    ASSERT_EQ(document["entries"].size(), 1U);
+    EXPECT_EQ(document["entries"][0]["path"], "/a\tb");
+    // The text form keeps one entry per line.
+    EXPECT_EQ(run({"list", "CustomBackup"}).output, "/a\\tb\n");
+}
+
+TEST_F(ConfigCommandsTest, DirsAsJson) {
+    const ToolResult result = run({"dirs", "--json"});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    const auto document = nlohmann::json::parse(result.output);
+    EXPECT_EQ(document["directory"]["Data"], home() + "/TolVaneData");
+    EXPECT_EQ(document["working"]["localDownload"], home() + "/TolVaneData/Download");
+    EXPECT_EQ(document["working"]["localRestoreVersion"],
+              home() + "/TolVaneData/IpswCache/version.xml");
 }

@@ -2,13 +2,18 @@
 // as shipped, what it writes must be kept with --config-dir and removed otherwise, and a sample
 // that no longer matches its digest must be reported.
 
+#include "ReadOnlyDirectory.h"
 #include "TemporaryDirectory.h"
 #include "ToolRunner.h"
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <filesystem>
+#include <iostream>
 #include <string>
+#include <vector>
 
 using pallix::test::runTool;
 using pallix::test::TemporaryDirectory;
@@ -108,9 +113,68 @@ TEST(DemoCommand, TamperedSampleIsReportedAndFailsTheDemo) {
     EXPECT_TRUE(contains(result.output, "1 check failed.")) << result.output;
 }
 
-TEST(DemoCommand, MissingSamplesDirectoryIsAClearError) {
+// Each directory option given something that is not a directory it can use: a usage error that
+// names it, before anything is written.
+TEST(DemoCommand, DirectoriesThatCannotBeUsedAreClearErrors) {
     TemporaryDirectory scratch;
-    const auto result = runTool({"demo", "--samples-dir", scratch.file("none")});
-    EXPECT_NE(result.status, 0);
-    EXPECT_TRUE(contains(result.errors, "sample")) << result.errors;
+    const std::string file = scratch.file("a file");
+    TemporaryDirectory::write(file, "not a directory");
+    const std::string empty = scratch.file("empty");
+    std::filesystem::create_directories(empty);
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string message;
+    };
+    const std::vector<Case> cases{
+        {{"--config-dir", file}, file + ": is not a directory"},
+        {{"--config-dir", file + "/below"}, file + "/below: cannot create"},
+        {{"--resources-dir", file}, file + ": is not a directory"},
+        {{"--resources-dir", scratch.file("none")}, scratch.file("none") + ": no such resources"},
+        {{"--samples-dir", file}, file + ": is not a directory"},
+        {{"--samples-dir", scratch.file("none")}, scratch.file("none") + ": no such samples"},
+        {{"--samples-dir", empty}, empty + ": no sample files (cloud.xml)"},
+    };
+    for (const Case& test : cases) {
+        std::vector<std::string> arguments{"demo"};
+        arguments.insert(arguments.end(), test.arguments.begin(), test.arguments.end());
+        const auto result = runTool(arguments, {"TMPDIR=" + scratch.path()});
+        EXPECT_EQ(result.status, 2) << test.arguments[0] << " " << test.arguments[1];
+        EXPECT_EQ(result.output, "") << test.arguments[0];
+        EXPECT_TRUE(contains(result.errors, "pallix: " + test.message)) << result.errors;
+    }
+    EXPECT_EQ(TemporaryDirectory::entries(scratch.path()),
+              (std::vector<std::string>{"a file", "empty"}));
+    EXPECT_EQ(TemporaryDirectory::read(file), "not a directory");
+}
+
+TEST(DemoCommand, UnreadableDirectoriesAreClearErrors) {
+    TemporaryDirectory scratch;
+    const std::string locked = scratch.file("locked");
+    std::filesystem::copy(PALLIX_SAMPLES_DIR, locked, std::filesystem::copy_options::recursive);
+    ASSERT_EQ(::chmod(locked.c_str(), 0), 0);
+    // File modes do not stop root: the tool runs as a user whom they do stop.
+    const int status = pallix::test::runWithReadOnlyDirectory(scratch.path(), [&] {
+        bool ok = true;
+        for (const char* option : {"--config-dir", "--resources-dir", "--samples-dir"}) {
+            const auto result = runTool({"demo", option, locked});
+            if (result.status != 2 || !contains(result.errors, locked + ": the ") ||
+                !contains(result.errors, "directory cannot be read")) {
+                std::cerr << option << ": " << result.status << " " << result.errors;
+                ok = false;
+            }
+        }
+        return ok;
+    });
+    ::chmod(locked.c_str(), 0755);
+    EXPECT_EQ(status, 0);
+}
+
+TEST(DemoCommand, HelpEndsWithAnExampleAndTheExitStatuses) {
+    const auto result = runTool({"demo", "--help"});
+    EXPECT_EQ(result.status, 0);
+    const auto example = result.output.find("\nExample:\n  pallix demo");
+    const auto statuses = result.output.find("\nExit status: 0 ");
+    EXPECT_NE(example, std::string::npos) << result.output;
+    EXPECT_NE(statuses, std::string::npos) << result.output;
+    EXPECT_LT(example, statuses);
 }

@@ -40,3 +40,36 @@ TEST(ToolMain, RuntimeSubcommandLoadsTheLibrary) {
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_NE(result.output.find("root ready"), std::string::npos) << result.output;
 }
+
+TEST(ToolMain, RuntimeHelpEndsWithAnExampleAndTheExitStatuses) {
+    const auto result = runTool({"runtime", "--help"});
+    EXPECT_EQ(result.status, 0);
+    const auto example = result.output.find("\nExample:\n  pallix runtime");
+    const auto statuses = result.output.find("\nExit status: 0 ");
+    EXPECT_NE(example, std::string::npos) << result.output;
+    EXPECT_NE(statuses, std::string::npos) << result.output;
+    EXPECT_LT(example, statuses);
+}
+
+TEST(ToolMain, HelpCommandNamesTheCommandFromTheTool) {
+    const auto result = runTool({"help", "config", "set"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, runTool({"config", "set", "--help"}).output);
+    EXPECT_NE(result.output.find("Usage: pallix config set "), std::string::npos) << result.output;
+}
+
+TEST(ToolMain, HelpCommandRefusesAnUnknownCommand) {
+    const auto result = runTool({"help", "config", "sett"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.errors.find("did you mean 'set'?"), std::string::npos) << result.errors;
+}
+
+TEST(ToolMain, UnknownOptionOfACommandIsNamedOnce) {
+    const auto result = runTool({"config", "add", "CustomBackup", "/x", "--rot"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.errors.rfind("pallix: config add: unknown option '--rot'; did you mean "
+                                  "'--root'?\n",
+                                  0),
+              0U)
+        << result.errors;
+}

@@ -3,6 +3,7 @@
 #include "PRuntimeLocation.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdio>
 #include <cstdlib>
@@ -61,6 +62,23 @@ TEST(ToolSize, RejectsWhatIsNotAByteCount) {
         EXPECT_EQ(result.output, "") << text;
         EXPECT_NE(result.errors.find("not a byte count"), std::string::npos) << result.errors;
     }
+}
+
+TEST(ToolSize, RejectsAPrecisionOutsideZeroToSeventeen) {
+    for (const char* precision : {"-1", "18", "2.5", "two"}) {
+        const ToolResult result = runTool({"size", "1536", "--precision", precision});
+        EXPECT_EQ(result.status, 2) << precision;
+        EXPECT_EQ(result.output, "") << precision;
+        EXPECT_NE(result.errors.find("from 0 to 17"), std::string::npos) << result.errors;
+    }
+    EXPECT_EQ(runTool({"size", "1536", "--precision", "17"}).status, 0);
+}
+
+TEST(ToolSize, Json) {
+    const ToolResult result = runTool({"size", "18446744073709551615", "--json"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output,
+              "{\n  \"bytes\": 18446744073709551615,\n  \"text\": \"16777216.00TB\"\n}\n");
 }
 
 TEST(ToolSize, NeedsTheByteCount) {
@@ -132,10 +150,31 @@ TEST(ToolCoord, PointsOutsideTheRegionPassUnchanged) {
     EXPECT_EQ(result.output, "-73.985700 40.748400\n");
 }
 
-TEST(ToolCoord, NanGoesThrough) {
-    const ToolResult result = runTool({"coord", "gcj02", "bd09", "nan", "0"});
+TEST(ToolCoord, RefusesWhatIsNotAFiniteNumberOfDegrees) {
+    for (const char* number : {"nan", "inf", "infinity", "1e999", "0x", " 1"}) {
+        ToolResult result = runTool({"coord", "gcj02", "bd09", number, "0"});
+        EXPECT_EQ(result.status, 2) << number;
+        EXPECT_EQ(result.output, "") << number;
+        EXPECT_NE(result.errors.find("not a longitude"), std::string::npos) << result.errors;
+        EXPECT_NE(result.errors.find("finite number of degrees"), std::string::npos)
+            << result.errors;
+        result = runTool({"coord", "gcj02", "bd09", "0", number});
+        EXPECT_EQ(result.status, 2) << number;
+        EXPECT_NE(result.errors.find("not a latitude"), std::string::npos) << result.errors;
+    }
+}
+
+TEST(ToolCoord, Json) {
+    double lng = 116.4;
+    double lat = 39.9;
+    PRuntimeLocation().WGS84_TO_GCJ02(&lng, &lat);
+    const ToolResult result = runTool({"coord", "wgs84", "gcj02", "116.4", "39.9", "--json"});
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "nan nan\n");
+    const auto document = nlohmann::json::parse(result.output);
+    EXPECT_EQ(document["from"], "wgs84");
+    EXPECT_EQ(document["to"], "gcj02");
+    EXPECT_EQ(document["longitude"].get<double>(), lng);
+    EXPECT_EQ(document["latitude"].get<double>(), lat);
 }
 
 TEST(ToolCoord, RejectsAnUnknownDatum) {
@@ -146,13 +185,19 @@ TEST(ToolCoord, RejectsAnUnknownDatum) {
     EXPECT_EQ(runTool({"coord", "wgs84", "WGS84", "1", "2"}).status, 2);
 }
 
+TEST(ToolCoord, SuggestsTheDatumThatWasMeant) {
+    const ToolResult result = runTool({"coord", "wgs84", "gcj2", "1", "2"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.errors.find("did you mean 'gcj02'?"), std::string::npos) << result.errors;
+}
+
 TEST(ToolCoord, RejectsWhatIsNotANumber) {
     ToolResult result = runTool({"coord", "wgs84", "gcj02", "east", "39.9"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_NE(result.errors.find("not a longitude: east"), std::string::npos) << result.errors;
+    EXPECT_NE(result.errors.find("not a longitude: 'east'"), std::string::npos) << result.errors;
     result = runTool({"coord", "wgs84", "gcj02", "116.4", "39.9N"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_NE(result.errors.find("not a latitude: 39.9N"), std::string::npos) << result.errors;
+    EXPECT_NE(result.errors.find("not a latitude: '39.9N'"), std::string::npos) << result.errors;
 }
 
 // --- date -------------------------------------------------------------------------------------
@@ -177,10 +222,28 @@ TEST(ToolDate, EastOfUtc) {
     EXPECT_EQ(result.output, "date: 2024-01-02\nday starts at: 1704124800\n");
 }
 
-TEST(ToolDate, NegativeSecondsWrap) {
-    const ToolResult result = runInZone({"date", "-1"}, "UTC");
+TEST(ToolDate, LastInstantOfTheHelpersRange) {
+    const ToolResult result = runInZone({"date", "4294967295"}, "UTC");
     EXPECT_EQ(result.status, 0) << result.errors;
     EXPECT_EQ(result.output, "date: 2106-02-07\nday starts at: 4294944000\n");
+}
+
+TEST(ToolDate, RefusesInstantsOutsideTheHelpersRange) {
+    for (const char* seconds : {"-1", "4294967296", "-4294967296"}) {
+        const ToolResult result = runInZone({"date", seconds}, "UTC");
+        EXPECT_EQ(result.status, 2) << seconds;
+        EXPECT_EQ(result.output, "") << seconds;
+        EXPECT_NE(result.errors.find("from 0, 1970-01-01, to 4294967295, 2106-02-07"),
+                  std::string::npos)
+            << result.errors;
+    }
+}
+
+TEST(ToolDate, Json) {
+    const ToolResult result = runInZone({"date", "1704139200", "--json"}, "Asia/Shanghai");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "{\n  \"seconds\": 1704139200,\n  \"date\": \"2024-01-02\",\n"
+                             "  \"dayStart\": 1704124800\n}\n");
 }
 
 TEST(ToolDate, RejectsWhatIsNotANumber) {
@@ -208,9 +271,33 @@ TEST(ToolPassword, RejectsWithStatusOne) {
     }
 }
 
+TEST(ToolPassword, Json) {
+    ToolResult result = runTool({"password", "abc123", "--json"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "{\n  \"accepted\": true\n}\n");
+    result = runTool({"password", "123456", "--json"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "{\n  \"accepted\": false\n}\n");
+    EXPECT_EQ(result.errors, "");
+}
+
 TEST(ToolPassword, ReadsTheTextAsUtf8) {
     EXPECT_EQ(runTool({"password", "密码abcd"}).output, "accepted\n");
     // Six characters, but fourteen bytes: the rule counts characters.
     EXPECT_EQ(runTool({"password", "密码密码a1"}).output, "accepted\n");
     EXPECT_EQ(runTool({"password", std::string(32, 'a') + "1"}).output, "rejected\n");
+}
+
+// --- help -------------------------------------------------------------------------------------
+
+TEST(ToolUtilityHelp, EveryHelpEndsWithAnExampleAndTheExitStatuses) {
+    for (const char* command : {"size", "coord", "date", "password"}) {
+        const ToolResult result = runTool({command, "--help"});
+        EXPECT_EQ(result.status, 0) << command;
+        const auto example = result.output.find("\nExample:\n  pallix ");
+        const auto statuses = result.output.find("\nExit status: 0 ");
+        EXPECT_NE(example, std::string::npos) << result.output;
+        EXPECT_NE(statuses, std::string::npos) << result.output;
+        EXPECT_LT(example, statuses) << command;
+    }
 }

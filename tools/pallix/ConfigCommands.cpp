@@ -1,570 +1,163 @@
+// "pallix config": the application's configuration, started for every command as the
+// application starts it (ConfigSession.h) and then read or changed through PRuntimeConfig only;
+// the library's own setters save. The values are in ConfigSettings, the lists in ConfigLists.
+
 #include "Commands.h"
+#include "ConfigLists.h"
+#include "ConfigSession.h"
+#include "ConfigSettings.h"
+#include "Failure.h"
+#include "Suggestion.h"
 #include "ToolOutput.h"
 
-#include "NApplication.h"
-#include "PRuntime.h"
 #include "PRuntimeConfig.h"
-#include "_PALLIX_RUNTIME_CONFIG.h"
 
-#include <pugixml.hpp>
-
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
+#include <algorithm>
 #include <iostream>
 #include <string>
-#include <sys/stat.h>
 #include <utility>
 #include <vector>
-
-// "pallix config": the application's configuration in a directory of the caller's choice. Every
-// command starts the configuration as the application does (PRuntimeConfig::initialize(), which
-// also imports a legacy Config.xml once) and then reads or changes it through PRuntimeConfig
-// only; changes are saved by the library's own setters. Nothing else writes the file.
 
 namespace pallix::tool {
 
 namespace {
 
-struct ConfigOptions {
-    std::string configDirectory;
-    std::string resourcesDirectory;
+using nlohmann::ordered_json;
+using namespace pallix::tool::config;
+
+struct Arguments {
+    std::string key;
+    std::string value;
+    std::string list;
+    std::vector<std::string> values;
+    bool root = false;
 };
 
-ConfigOptions& options() {
-    static ConfigOptions instance;
-    return instance;
+// The footer of a help screen: an example, then what the exit statuses mean for the command.
+void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses) {
+    setExample(command, example);
+    command.footer(command.get_footer() + "\n\nExit status: " + statuses + "\n");
 }
 
-// Exit statuses: 1 for a problem with the configuration directory, 2 for a bad argument.
-constexpr int kDirectoryProblem = 1;
-constexpr int kBadArgument = 2;
+const char* const kStartProblems =
+    "2 a usage error, a directory that cannot be used, or a configuration file that cannot be "
+    "read as it is (see --force).";
 
-void fail(int status, const std::string& message) {
-    reportError(message);
-    exitStatus() = status;
-}
-
-// The settings the application knows, shown even when the file does not name them.
-const std::vector<std::string>& knownSettings() {
-    static const std::vector<std::string> names{
-        "ApplicationAutorun",   "WindowCloseSelect",     "WindowCloseOperate",
-        "WindowAnimation",      "WiFiConnect",           "ITunesAutorun",
-        "KeepFirmwareCache",    "RelationIpa",           "VerifySerialNumber",
-        "VerifyPaymentConfirm", "VerifyTimecardConfirm", "ToolsProcessSkipService",
-        "RESTORE_FACTORY"};
-    return names;
-}
-
-// The four lists, by the names of their elements in the configuration file.
-enum class List { CustomBackup, FileFavorites, VirtualLocation, LocationFavorites };
-
-bool parseList(const std::string& text, List& list) {
-    static const std::vector<std::pair<std::string, List>> names{
-        {"CustomBackup", List::CustomBackup},
-        {"FileFavorites", List::FileFavorites},
-        {"VirtualLocation", List::VirtualLocation},
-        {"LocationFavorites", List::LocationFavorites}};
-    for (const auto& name : names) {
-        if (name.first == text) {
-            list = name.second;
-            return true;
-        }
-    }
-    fail(kBadArgument, "unknown list '" + text +
-                           "' (CustomBackup, FileFavorites, VirtualLocation or LocationFavorites)");
-    return false;
-}
-
-// ---- values ---------------------------------------------------------------------------------
-
-bool parseBool(const std::string& text, bool& value) {
-    std::string lower;
-    for (char c : text) {
-        lower += static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-    }
-    if (lower == "true" || lower == "1" || lower == "yes" || lower == "on") {
-        value = true;
-        return true;
-    }
-    if (lower == "false" || lower == "0" || lower == "no" || lower == "off") {
-        value = false;
-        return true;
-    }
-    fail(kBadArgument, "'" + text + "' is not a boolean (true or false)");
-    return false;
-}
-
-bool parseLongLong(const std::string& text, long long minimum, long long maximum,
-                   long long& value) {
-    errno = 0;
-    char* end = nullptr;
-    const long long parsed = std::strtoll(text.c_str(), &end, 10);
-    if (text.empty() || *end != '\0' || errno == ERANGE || parsed < minimum || parsed > maximum) {
-        fail(kBadArgument, "'" + text + "' is not an integer from " + std::to_string(minimum) +
-                               " to " + std::to_string(maximum));
-        return false;
-    }
-    value = parsed;
-    return true;
-}
-
-bool parseUnsigned(const std::string& text, unsigned long long& value) {
-    errno = 0;
-    char* end = nullptr;
-    const unsigned long long parsed = std::strtoull(text.c_str(), &end, 10);
-    if (text.empty() || text.find('-') != std::string::npos || *end != '\0' || errno == ERANGE) {
-        fail(kBadArgument, "'" + text + "' is not an unsigned 64-bit integer");
-        return false;
-    }
-    value = parsed;
-    return true;
-}
-
-bool parseDouble(const std::string& text, double& value) {
-    char* end = nullptr;
-    const double parsed = std::strtod(text.c_str(), &end);
-    if (text.empty() || *end != '\0') {
-        fail(kBadArgument, "'" + text + "' is not a number");
-        return false;
-    }
-    value = parsed;
-    return true;
-}
-
-const char* boolText(bool value) {
-    return value ? "true" : "false";
-}
-
-// The shortest text that reads back as the same double.
-std::string doubleText(double value) {
-    char buffer[64];
-    for (int precision = 1; precision <= 17; ++precision) {
-        std::snprintf(buffer, sizeof buffer, "%.*g", precision, value);
-        if (std::strtod(buffer, nullptr) == value) {
-            break;
-        }
-    }
-    return buffer;
-}
-
-// ---- keys -----------------------------------------------------------------------------------
-
-// A key names a preference ("LastSkin"), a read-only fact of start-up ("Version"), or an entry
-// of a named family: "Status/NAME", "Tools/NAME", "AutoImport/Ringtone", "Directory/NAME".
-struct Key {
-    std::string family; // empty for preferences
-    std::string name;
-};
-
-Key splitKey(const std::string& text) {
-    const auto slash = text.find('/');
-    if (slash == std::string::npos) {
-        return Key{std::string(), text};
-    }
-    return Key{text.substr(0, slash), text.substr(slash + 1)};
-}
-
-void unknownKey(const std::string& text) {
-    fail(kBadArgument, "unknown key '" + text +
-                           "' (a preference such as LastSkin, Version, NewInstall, NewUpdate, or "
-                           "Status/NAME, Tools/NAME, AutoImport/Ringtone, Directory/NAME)");
-}
-
-bool getValue(PRuntimeConfig& config, const std::string& text, std::string& value) {
-    const Key key = splitKey(text);
-    if (key.family.empty()) {
-        const std::string& name = key.name;
-        if (name == "Version") {
-            value = config.version().data();
-        } else if (name == "NewInstall") {
-            value = boolText(config.newInstall());
-        } else if (name == "NewUpdate") {
-            value = boolText(config.newUpdate());
-        } else if (name == "PopupTimeADAPP") {
-            value = std::to_string(config.getPopupTimeADAPP());
-        } else if (name == "SameTimeDownloadNumber") {
-            value = std::to_string(config.getSameTimeDownloadNumber());
-        } else if (name == "DownloadMaxSpeed") {
-            value = std::to_string(config.getDownloadMaxSpeed());
-        } else if (name == "LastSkin") {
-            value = config.getLastSkin().data();
-        } else if (name == "LastLanguage") {
-            value = std::to_string(static_cast<int>(config.getLastLanguage()));
-        } else if (name == "RestoreCore") {
-            value = std::to_string(static_cast<int>(config.getRestoreCore()));
-        } else {
-            unknownKey(text);
-            return false;
-        }
-        return true;
-    }
-    if (key.name.empty()) {
-        unknownKey(text);
-        return false;
-    }
-    if (key.family == "Status") {
-        value = boolText(config.getSettingStatus(NString(key.name)));
-    } else if (key.family == "Tools") {
-        value = boolText(config.getToolsHot(NString(key.name)));
-    } else if (key.family == "AutoImport" && key.name == "Ringtone") {
-        value = boolText(config.getAutoImportRingtone());
-    } else if (key.family == "Directory") {
-        value = config.getConfigDirectory(NString(key.name)).data();
-    } else {
-        unknownKey(text);
-        return false;
-    }
-    return true;
-}
-
-bool setValue(PRuntimeConfig& config, const std::string& text, const std::string& value) {
-    const Key key = splitKey(text);
-    bool flag = false;
-    long long number = 0;
-    if (key.family.empty()) {
-        const std::string& name = key.name;
-        if (name == "Version" || name == "NewInstall" || name == "NewUpdate") {
-            fail(kBadArgument, "'" + name + "' is found at start-up and cannot be set");
-            return false;
-        }
-        if (name == "PopupTimeADAPP") {
-            unsigned long long time = 0;
-            if (!parseUnsigned(value, time)) {
-                return false;
-            }
-            config.setPopupTimeADAPP(time);
-        } else if (name == "SameTimeDownloadNumber") {
-            if (!parseLongLong(value, INT32_MIN, INT32_MAX, number)) {
-                return false;
-            }
-            config.setSameTimeDownloadNumber(static_cast<int>(number));
-        } else if (name == "DownloadMaxSpeed") {
-            if (!parseLongLong(value, INT64_MIN, INT64_MAX, number)) {
-                return false;
-            }
-            config.setDownloadMaxSpeed(number);
-        } else if (name == "LastSkin") {
-            config.setLastSkin(NString(value));
-        } else if (name == "LastLanguage") {
-            if (!parseLongLong(value, INT32_MIN, INT32_MAX, number)) {
-                return false;
-            }
-            config.setLastLanguage(EPALLIX_RUNTIME_LANGUAGE(number));
-        } else if (name == "RestoreCore") {
-            if (!parseLongLong(value, INT32_MIN, INT32_MAX, number)) {
-                return false;
-            }
-            config.setRestoreCore(EPALLIX_RUNTIME_RESTORE_CORE(number));
-        } else {
-            unknownKey(text);
-            return false;
-        }
-        return true;
-    }
-    if (key.name.empty()) {
-        unknownKey(text);
-        return false;
-    }
-    if (key.family == "Directory") {
-        config.setConfigDirectory(NString(key.name), NString(value));
-        return true;
-    }
-    const bool known = key.family == "Status" || key.family == "Tools" ||
-                       (key.family == "AutoImport" && key.name == "Ringtone");
-    if (!known) {
-        unknownKey(text);
-        return false;
-    }
-    if (!parseBool(value, flag)) {
-        return false;
-    }
-    if (key.family == "Status") {
-        config.setSettingStatus(NString(key.name), flag);
-    } else if (key.family == "Tools") {
-        config.setToolsHot(NString(key.name), flag);
-    } else {
-        config.setAutoImportRingtone(flag);
-    }
-    return true;
-}
-
-// ---- lists ----------------------------------------------------------------------------------
-
-// The entries of a list, one line each, fields separated by a tab.
-std::vector<std::string> listLines(PRuntimeConfig& config, List list) {
-    std::vector<std::string> lines;
-    const auto place = [&lines](double x, double y, const NString& location) {
-        lines.push_back(doubleText(x) + "\t" + doubleText(y) + "\t" + location.data());
-    };
-    switch (list) {
-    case List::CustomBackup:
-        config.customBackupTraverse(
-            [&lines](const NString& path) { lines.push_back(path.data()); });
-        break;
-    case List::FileFavorites:
-        config.fileCollectTraverse([&lines](const NString& path, bool root) {
-            lines.push_back(std::string(path.data()) + "\t" + (root ? "root" : "-"));
-            return true;
-        });
-        break;
-    case List::VirtualLocation:
-        config.virtualLocationTraverse(place);
-        break;
-    case List::LocationFavorites:
-        config.locationCollectTraverse(place);
-        break;
-    }
-    return lines;
-}
-
-bool wrongArity(const std::string& command, List list, const std::vector<std::string>& values,
-                std::size_t paths, std::size_t places) {
-    const bool isPlace = list == List::VirtualLocation || list == List::LocationFavorites;
-    const std::size_t expected = isPlace ? places : paths;
-    if (values.size() == expected) {
-        return false;
-    }
-    const char* usage = isPlace ? (places == 3 ? "X Y NAME" : "X Y") : "PATH";
-    fail(kBadArgument, command + " expects " + usage);
-    return true;
-}
-
-bool addEntry(PRuntimeConfig& config, List list, const std::vector<std::string>& values,
-              bool root) {
-    if (wrongArity("add", list, values, 1, 3)) {
-        return false;
-    }
-    double x = 0;
-    double y = 0;
-    switch (list) {
-    case List::CustomBackup:
-        config.customBackupAppend(NString(values[0]));
-        break;
-    case List::FileFavorites:
-        config.fileCollectAppend(NString(values[0]), root);
-        break;
-    case List::VirtualLocation:
-    case List::LocationFavorites:
-        if (!parseDouble(values[0], x) || !parseDouble(values[1], y)) {
-            return false;
-        }
-        if (list == List::VirtualLocation) {
-            config.virtualLocationAppend(x, y, NString(values[2]));
-        } else {
-            config.locationCollectAppend(x, y, NString(values[2]));
-        }
-        break;
-    }
-    return true;
-}
-
-bool removeEntry(PRuntimeConfig& config, List list, const std::vector<std::string>& values,
-                 bool root) {
-    if (wrongArity("remove", list, values, 1, 2)) {
-        return false;
-    }
-    double x = 0;
-    double y = 0;
-    switch (list) {
-    case List::CustomBackup:
-        config.customBackupRemove(NString(values[0]));
-        break;
-    case List::FileFavorites:
-        config.fileCollectRemove(NString(values[0]), root);
-        break;
-    case List::VirtualLocation:
-    case List::LocationFavorites:
-        if (!parseDouble(values[0], x) || !parseDouble(values[1], y)) {
-            return false;
-        }
-        if (list == List::VirtualLocation) {
-            config.virtualLocationRemove(x, y);
-        } else {
-            config.locationCollectRemove(x, y);
-        }
-        break;
-    }
-    return true;
-}
-
-// ---- start-up -------------------------------------------------------------------------------
-
-bool isDirectory(const std::string& path) {
-    struct stat info {};
-    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-bool isFile(const std::string& path) {
-    struct stat info {};
-    return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
-}
-
-// What the library would silently ignore in an XML file: not well-formed, or another root.
-std::string describeFile(const std::string& path, const char* root) {
-    std::string problem = describeXmlProblem(path);
-    if (!problem.empty()) {
-        return problem;
-    }
-    pugi::xml_document document;
-    document.load_file(path.c_str(), pugi::parse_default, pugi::encoding_utf8);
-    if (!document.child(root)) {
-        return path + ": has no \"" + root + "\" root element";
-    }
-    return std::string();
-}
-
-// Tells what start-up will make of the files, since the library says nothing.
-void diagnoseFiles(const std::string& directory) {
-    const std::string legacy = directory + "/Config.xml";
-    const std::string current = directory + "/configure.xml";
-    if (isFile(legacy)) {
-        const std::string problem = describeFile(legacy, "Config");
-        std::cerr << "pallix: note: importing the legacy " << legacy << " into " << current
-                  << " and removing it\n";
-        if (!problem.empty()) {
-            reportError("warning: " + problem + "; nothing is imported from it");
-        }
-    } else if (isFile(current)) {
-        const std::string problem = describeFile(current, "Nevor");
-        if (!problem.empty()) {
-            reportError("warning: " + problem + "; start-up values are used instead");
-        }
-    }
-    const std::string& resources = options().resourcesDirectory;
-    if (!resources.empty()) {
-        const std::string version = resources + "/UpdateCfg.xml";
-        const std::string problem = describeFile(version, "root");
-        if (!problem.empty()) {
-            reportError("warning: " + problem + "; the running version is taken as 5.0.0");
-        }
-    }
-}
-
-// Starts the configuration in the chosen directories and runs `body` on it. A command that
-// changes the configuration needs a directory it can write, or its change would live only in
-// this process.
-void withConfiguration(bool changes, const std::function<void(PRuntimeConfig&)>& body) {
-    const std::string& directory = options().configDirectory;
-    if (!isDirectory(directory)) {
-        fail(kDirectoryProblem, directory + ": no such configuration directory");
-        return;
-    }
-    if (!options().resourcesDirectory.empty() && !isDirectory(options().resourcesDirectory)) {
-        fail(kDirectoryProblem, options().resourcesDirectory + ": no such resources directory");
-        return;
-    }
-    if (changes && ::access(directory.c_str(), W_OK) != 0) {
-        fail(kDirectoryProblem, directory + ": the configuration directory is not writable");
-        return;
-    }
-    NApplication::setDirectoryConfig(NString(directory));
-    if (!options().resourcesDirectory.empty()) {
-        NApplication::setDirectoryResources(NString(options().resourcesDirectory));
-    }
-    diagnoseFiles(directory);
-
-    PRuntime* runtime = PRuntime::getInstance();
-    PRuntimeConfig* config = runtime != nullptr ? runtime->config() : nullptr;
-    if (config == nullptr) {
-        fail(kDirectoryProblem, "the configuration could not be created");
-        PRuntime::freeInstance();
-        return;
-    }
-    config->initialize();
-    body(*config);
-    PRuntime::freeInstance();
-}
-
-// ---- show -----------------------------------------------------------------------------------
+// ---- show and dirs ---------------------------------------------------------------------------
 
 void printRow(const std::string& name, const std::string& value) {
-    std::string padded = "  " + name;
-    if (padded.size() < 28) {
-        padded.resize(28, ' ');
-    } else {
-        padded += ' ';
-    }
-    std::cout << padded << value << '\n';
+    std::string padded = "  " + escapeField(name);
+    padded.resize(std::max<std::size_t>(padded.size() + 1, 28), ' ');
+    std::cout << padded << escapeField(value) << '\n';
 }
 
-void printLines(const char* title, const std::vector<std::string>& lines) {
-    std::cout << '\n' << title << " (" << lines.size() << ")\n";
-    for (const std::string& line : lines) {
-        std::cout << "  " << line << '\n';
+// The status flags: the known settings first (with their defaults when never stored), then
+// every other name that the configuration holds.
+std::vector<std::pair<std::string, bool>> statusFlags(PRuntimeConfig& config) {
+    std::vector<std::pair<std::string, bool>> others;
+    config.settingStatusTraverse([&others](const NString& name, bool status) {
+        others.emplace_back(name.toStdString(), status);
+    });
+    std::vector<std::pair<std::string, bool>> flags;
+    for (const std::string& name : knownSettings()) {
+        flags.emplace_back(name, config.getSettingStatus(NString(name)));
     }
-}
-
-// The facade reads values by name but cannot list names; the names stored in the record are
-// taken from the record, every value from the facade.
-void show(PRuntimeConfig& config) {
-    const std::string& directory = options().configDirectory;
-    std::cout << "Configuration directory: " << directory << '\n';
-    std::cout << "Configuration file:      " << directory << "/configure.xml"
-              << (isFile(directory + "/configure.xml") ? "" : " (not written yet)") << '\n';
-    std::cout << "Version:                 " << config.version().data() << '\n';
-    std::cout << "New installation:        " << (config.newInstall() ? "yes" : "no") << '\n';
-    std::cout << "New update:              " << (config.newUpdate() ? "yes" : "no") << '\n';
-
-    std::cout << "\nPreferences\n";
-    for (const char* name : {"LastSkin", "PopupTimeADAPP", "SameTimeDownloadNumber",
-                             "DownloadMaxSpeed", "LastLanguage", "RestoreCore"}) {
-        std::string value;
-        getValue(config, name, value);
-        printRow(name, value);
-    }
-
-    std::vector<std::string> settings = knownSettings();
-    for (const auto& entry : _globalFrameworkConfig.status) {
+    for (const auto& flag : others) {
         bool known = false;
         for (const std::string& name : knownSettings()) {
-            known = known || name == entry.first.data();
+            known = known || name == flag.first;
         }
         if (!known) {
-            settings.emplace_back(entry.first.data());
+            flags.push_back(flag);
         }
     }
-    std::cout << "\nStatus\n";
-    for (const std::string& name : settings) {
-        printRow(name, boolText(config.getSettingStatus(NString(name))));
-    }
-
-    std::vector<std::string> tools;
-    for (const auto& entry : _globalFrameworkConfig.tools) {
-        tools.emplace_back(entry.first.data());
-    }
-    std::cout << "\nTools (" << tools.size() << ")\n";
-    for (const std::string& name : tools) {
-        printRow(name, config.getToolsHot(NString(name)) ? "hot" : "not hot");
-    }
-
-    std::cout << "\nAutoImport\n";
-    printRow("Ringtone", boolText(config.getAutoImportRingtone()));
-
-    std::vector<std::string> directories;
-    for (const auto& entry : _globalFrameworkConfig.directory) {
-        directories.emplace_back(entry.first.data());
-    }
-    std::cout << "\nDirectory\n";
-    for (const std::string& name : directories) {
-        printRow(name, config.getConfigDirectory(NString(name)).data());
-    }
-
-    printLines("CustomBackup", listLines(config, List::CustomBackup));
-    printLines("FileFavorites", listLines(config, List::FileFavorites));
-    printLines("VirtualLocation", listLines(config, List::VirtualLocation));
-    printLines("LocationFavorites", listLines(config, List::LocationFavorites));
+    return flags;
 }
 
-// The working directories; the library creates each one (but the version file) as it names
-// it, so asking for them prepares the data directory as the application would.
-void printDirectories(PRuntimeConfig& config) {
-    printRow("Data", config.getConfigDirectory("Data").data());
-    printRow("Backup", config.getConfigDirectory("Backup").data());
+ordered_json showJson(ConfigSession& session) {
+    PRuntimeConfig& config = session.config();
+    ordered_json document{{"configDirectory", session.directory()},
+                          {"configFile", session.currentFile()},
+                          {"version", config.version().toStdString()},
+                          {"newInstall", config.newInstall()},
+                          {"newUpdate", config.newUpdate()}};
+    ordered_json& preferenceValues = document["preferences"] = ordered_json::object();
+    for (const auto& [name, value] : preferences(config)) {
+        preferenceValues[name] = value;
+    }
+    ordered_json& status = document["status"] = ordered_json::object();
+    for (const auto& [name, value] : statusFlags(config)) {
+        status[name] = value;
+    }
+    ordered_json& tools = document["tools"] = ordered_json::object();
+    config.toolsHotTraverse([&tools](const NString& name, bool hot) { tools[name.data()] = hot; });
+    document["autoImport"] = {{"Ringtone", config.getAutoImportRingtone()}};
+    ordered_json& directory = document["directory"] = ordered_json::object();
+    config.configDirectoryTraverse([&directory](const NString& name, const NString& path) {
+        directory[name.data()] = path.toStdString();
+    });
+    for (std::size_t i = 0; i < listNames().size(); ++i) {
+        const List list = static_cast<List>(i);
+        std::string field = nameOf(list);
+        field[0] = static_cast<char>(field[0] - 'A' + 'a');
+        ordered_json& values = document[field] = ordered_json::array();
+        for (const Entry& entry : entries(config, list)) {
+            values.push_back(jsonOf(list, entry));
+        }
+    }
+    return document;
+}
+
+// The text form prints the same document: the maps as rows, the lists as tab-separated fields.
+void show(ConfigSession& session, bool json) {
+    const ordered_json document = showJson(session);
+    if (json) {
+        printJson(document);
+        return;
+    }
+    const bool fresh = document["newInstall"].get<bool>();
+    std::cout << "Configuration directory: " << plainText(document["configDirectory"]) << '\n'
+              << "Configuration file:      " << plainText(document["configFile"])
+              << (fresh ? " (not written yet)" : "") << '\n'
+              << "Version:                 " << plainText(document["version"]) << '\n'
+              << "New installation:        " << (fresh ? "yes" : "no") << '\n'
+              << "New update:              " << (document["newUpdate"].get<bool>() ? "yes" : "no")
+              << '\n';
+    const auto rows = [&document](const char* title, const char* field, bool counted) {
+        const ordered_json& values = document[field];
+        std::cout << '\n' << title;
+        if (counted) {
+            std::cout << " (" << values.size() << ")";
+        }
+        std::cout << '\n';
+        for (const auto& [name, value] : values.items()) {
+            const bool tools = std::string(field) == "tools";
+            printRow(name, tools ? (value.get<bool>() ? "hot" : "not hot") : plainText(value));
+        }
+    };
+    rows("Preferences", "preferences", false);
+    rows("Status", "status", false);
+    rows("Tools", "tools", true);
+    rows("AutoImport", "autoImport", false);
+    rows("Directory", "directory", false);
+    for (std::size_t i = 0; i < listNames().size(); ++i) {
+        const List list = static_cast<List>(i);
+        const std::vector<Entry> found = entries(session.config(), list);
+        std::cout << '\n' << nameOf(list) << " (" << found.size() << ")\n";
+        for (const Entry& entry : found) {
+            std::cout << "  ";
+            printFields(fieldsOf(list, entry));
+        }
+    }
+}
+
+// The named directories, then the working directories, which the library creates (but the
+// version file) as it names them: asking prepares the data directory as the application would.
+void printDirectories(PRuntimeConfig& config, bool json) {
+    ordered_json named = ordered_json::object();
+    config.configDirectoryTraverse([&named](const NString& name, const NString& path) {
+        named[name.data()] = path.toStdString();
+    });
     const std::vector<std::pair<const char*, NString (PRuntimeConfig::*)()>> accessors{
         {"localRoot", &PRuntimeConfig::localRoot},
         {"localFirmwareSave", &PRuntimeConfig::localFirmwareSave},
@@ -578,156 +171,225 @@ void printDirectories(PRuntimeConfig& config) {
         {"localPicturePreview", &PRuntimeConfig::localPicturePreview},
         {"localNormal", &PRuntimeConfig::localNormal},
         {"localNormalBottomBackup", &PRuntimeConfig::localNormalBottomBackup}};
-    for (const auto& accessor : accessors) {
-        printRow(accessor.first, (config.*accessor.second)().data());
+    ordered_json working = ordered_json::object();
+    for (const auto& [name, accessor] : accessors) {
+        working[name] = (config.*accessor)().toStdString();
+    }
+    if (json) {
+        printJson(ordered_json{{"directory", named}, {"working", working}});
+        return;
+    }
+    for (const auto* section : {&named, &working}) {
+        for (const auto& [name, path] : section->items()) {
+            printRow(name, path.get<std::string>());
+        }
     }
 }
 
-// ---- command line ---------------------------------------------------------------------------
+// ---- get and set -----------------------------------------------------------------------------
 
-struct Arguments {
-    std::string key;
-    std::string value;
-    std::string list;
-    std::vector<std::string> values;
-    bool root = false;
-};
+void get(ConfigSession& session, const std::string& key, bool json) {
+    const Setting setting = resolveSetting(&session.config(), key);
+    if (!setting.current) {
+        const std::string name = key.substr(key.find('/') + 1);
+        failNotFound(key + ": not found; the configuration holds no such name" +
+                     didYouMean(name, setting.neighbours));
+    }
+    if (json) {
+        printJson(ordered_json{{"key", key}, {"value", *setting.current}});
+    } else {
+        std::cout << plainText(*setting.current) << '\n';
+    }
+}
 
-Arguments& arguments() {
-    static Arguments instance;
-    return instance;
+void set(const ConfigOptions& options, const std::string& key, const std::string& text) {
+    // The key and the value are checked before anything starts: a refused command changes
+    // nothing, not even by the start-up's import.
+    const Setting checked = resolveSetting(nullptr, key);
+    if (!checked.parse) {
+        failUsage("'" + key + "' is found at start-up and cannot be set");
+    }
+    const nlohmann::json value = checked.parse(text);
+
+    ConfigSession session(options, true);
+    const Setting setting = resolveSetting(&session.config(), key);
+    if (setting.current && *setting.current == value) {
+        std::cout << key << ": already " << plainText(value) << "; nothing changed\n";
+        return;
+    }
+    setting.store(value);
+    session.requireWritten();
+    std::cout << key << ": " << plainText(value)
+              << (setting.current ? " (was " + plainText(*setting.current) + ")" : " (new)")
+              << '\n';
+    const std::string family = "Status/";
+    const std::string name = key.substr(family.size());
+    if (!setting.current && key.rfind(family, 0) == 0) {
+        reportNote("'" + name + "' is not a setting that the application knows" +
+                   didYouMean(name, knownSettings()));
+    }
 }
 
 } // namespace
 
 void registerConfigCommands(CLI::App& app) {
-    CLI::App* config = app.add_subcommand(
-        "config", "Show and change the application's configuration in a directory. Every "
-                  "command starts the configuration as the application does, which imports a "
-                  "legacy Config.xml once; changes are saved at once.");
-    config->require_subcommand(1);
-    config->fallthrough();
-    config
-        ->add_option("--config-dir", options().configDirectory,
-                     "The configuration directory (holding configure.xml)")
+    static ConfigOptions options;
+    static Arguments arguments;
+
+    CLI::App* group = app.add_subcommand(
+        "config", "Show and change the application's configuration. Every command starts the "
+                  "configuration as the application does, which imports a legacy Config.xml "
+                  "once; a change is saved at once, and a command that changes nothing writes "
+                  "nothing.");
+    group->require_subcommand(1);
+    addConfigOptions(*group, options);
+    finishHelp(*group,
+               "pallix config --config-dir ~/.config/TolVane show\n"
+               "pallix config set DownloadMaxSpeed 1048576",
+               "0 success; 1 not found, or a change that could not be written; " +
+                   std::string(kStartProblems));
+
+    const auto action = [group](const char* name, const std::string& description,
+                                const std::string& example, const std::string& statuses,
+                                bool json) {
+        CLI::App* command = group->add_subcommand(name, description);
+        addConfigOptions(*command, options);
+        if (json) {
+            addJsonFlag(*command, options.json);
+        }
+        finishHelp(*command, example, statuses + "; " + kStartProblems);
+        return command;
+    };
+
+    const std::string listHelp = "CustomBackup, FileFavorites, VirtualLocation or "
+                                 "LocationFavorites";
+
+    action("show",
+           "Print the whole configuration. With --json: an object with configDirectory, "
+           "configFile, version, newInstall, newUpdate, preferences (by name), status, tools, "
+           "autoImport and directory (objects by name), and customBackup, fileFavorites, "
+           "virtualLocation and locationFavorites (arrays of the entries that 'list --json' "
+           "prints).",
+           "pallix config show --json", "0 printed", true)
+        ->callback([] {
+            ConfigSession session(options, false);
+            show(session, options.json);
+        });
+
+    CLI::App* getCommand = action(
+        "get",
+        "Print one value: a preference (LastSkin, PopupTimeADAPP, SameTimeDownloadNumber, "
+        "DownloadMaxSpeed, LastLanguage, RestoreCore), a fact of start-up (Version, NewInstall, "
+        "NewUpdate), or Status/NAME, Tools/NAME, AutoImport/Ringtone, Directory/NAME. A name "
+        "that the configuration does not hold is not found; the settings that the application "
+        "knows are found with their defaults. With --json: {\"key\": KEY, \"value\": VALUE}, "
+        "the value a string, a number or a boolean.",
+        "pallix config get Status/ITunesAutorun",
+        "0 printed; 1 the configuration holds no such name", true);
+    getCommand->add_option("key", arguments.key, "What to print")->required();
+    getCommand->callback([] {
+        resolveSetting(nullptr, arguments.key);
+        ConfigSession session(options, false);
+        get(session, arguments.key, options.json);
+    });
+
+    CLI::App* setCommand = action(
+        "set",
+        "Change a preference, or Status/NAME, Tools/NAME, AutoImport/Ringtone (true or false), "
+        "Directory/NAME (a path). Numbers are refused beyond what the configuration keeps when "
+        "it is read again: 32 bits for SameTimeDownloadNumber, DownloadMaxSpeed, LastLanguage "
+        "and RestoreCore, unsigned 64 bits for PopupTimeADAPP. Prints what changed.",
+        "pallix config set Status/KeepFirmwareCache false",
+        "0 changed, or already so (nothing written); 1 the change could not be written", false);
+    setCommand->add_option("key", arguments.key, "What to change")->required();
+    setCommand->add_option("value", arguments.value, "The new value")->required();
+    setCommand->callback([] { set(options, arguments.key, arguments.value); });
+
+    CLI::App* listCommand =
+        action("list",
+               "Print a list, one entry per line, fields separated by a tab: PATH; PATH and "
+               "'root' or '-'; X, Y and NAME. With --json: {\"list\": NAME, \"entries\": [...]}, "
+               "each entry {\"path\"}, {\"path\", \"root\"} or {\"x\", \"y\", \"location\"}.",
+               "pallix config list VirtualLocation --json", "0 printed", true);
+    listCommand->add_option("list", arguments.list, listHelp)->required();
+    listCommand->callback([] {
+        const List list = parseList(arguments.list);
+        ConfigSession session(options, false);
+        const std::vector<Entry> found = entries(session.config(), list);
+        if (options.json) {
+            ordered_json values = ordered_json::array();
+            for (const Entry& entry : found) {
+                values.push_back(jsonOf(list, entry));
+            }
+            printJson(ordered_json{{"list", nameOf(list)}, {"entries", values}});
+            return;
+        }
+        for (const Entry& entry : found) {
+            printFields(fieldsOf(list, entry));
+        }
+    });
+
+    CLI::App* addCommand = action(
+        "add",
+        "Add to a list: CustomBackup PATH, FileFavorites PATH [--root], VirtualLocation X Y "
+        "NAME, LocationFavorites X Y NAME. A place that is there already (same X and Y) is "
+        "renamed and moved to the end, as the application does; a path that is there already "
+        "is left as it is, root flag included. Prints what happened.",
+        "pallix config add VirtualLocation 31.2304 121.4737 Shanghai",
+        "0 added, renamed, moved, or already there (nothing written); 1 a file favourite there "
+        "with the other root flag (nothing written), or a change that could not be written",
+        false);
+    addCommand->add_option("list", arguments.list, listHelp)->required();
+    addCommand->add_option("values", arguments.values, "The entry")->required();
+    addCommand->add_flag("--root", arguments.root, "Mark a file favourite as a root");
+    addCommand->callback([] {
+        const List list = parseList(arguments.list);
+        const Entry entry = parseEntry(list, arguments.values, arguments.root, true);
+        ConfigSession session(options, true);
+        addEntry(session, list, entry);
+    });
+
+    CLI::App* removeCommand = action(
+        "remove",
+        "Remove from a list: CustomBackup PATH, FileFavorites PATH [--root] (the root flag must "
+        "match), VirtualLocation X Y, LocationFavorites X Y (exactly as 'list' prints them).",
+        "pallix config remove CustomBackup /Volumes/Backups",
+        "0 removed; 1 not there (nothing written), or a change that could not be written", false);
+    removeCommand->add_option("list", arguments.list, listHelp)->required();
+    removeCommand->add_option("values", arguments.values, "The entry")->required();
+    removeCommand->add_flag("--root", arguments.root, "The file favourite is marked as a root");
+    removeCommand->callback([] {
+        const List list = parseList(arguments.list);
+        const Entry entry = parseEntry(list, arguments.values, arguments.root, false);
+        ConfigSession session(options, true);
+        removeEntry(session, list, entry);
+    });
+
+    CLI::App* clearCommand = action(
+        "clear", "Empty a place list: VirtualLocation or LocationFavorites.",
+        "pallix config clear VirtualLocation",
+        "0 cleared, or already empty (nothing written); 1 a change that could not be written",
+        false);
+    clearCommand->add_option("list", arguments.list, "VirtualLocation or LocationFavorites")
         ->required();
-    config->add_option("--resources-dir", options().resourcesDirectory,
-                       "The resources directory (holding UpdateCfg.xml, the running version)");
-
-    CLI::App* showCommand = config->add_subcommand("show", "Print the whole configuration");
-    showCommand->callback([] { withConfiguration(false, [](PRuntimeConfig& c) { show(c); }); });
-
-    CLI::App* get = config->add_subcommand(
-        "get", "Print a preference (LastSkin, PopupTimeADAPP, SameTimeDownloadNumber, "
-               "DownloadMaxSpeed, LastLanguage, RestoreCore, Version, NewInstall, NewUpdate) "
-               "or Status/NAME, Tools/NAME, AutoImport/Ringtone, Directory/NAME");
-    get->add_option("key", arguments().key, "What to print")->required();
-    get->callback([] {
-        withConfiguration(false, [](PRuntimeConfig& c) {
-            std::string value;
-            if (getValue(c, arguments().key, value)) {
-                std::cout << value << '\n';
-            }
-        });
-    });
-
-    CLI::App* set = config->add_subcommand(
-        "set", "Change a preference or Status/NAME, Tools/NAME, AutoImport/Ringtone (true or "
-               "false), Directory/NAME (a path)");
-    set->add_option("key", arguments().key, "What to change")->required();
-    set->add_option("value", arguments().value, "The new value")->required();
-    set->callback([] {
-        withConfiguration(
-            true, [](PRuntimeConfig& c) { setValue(c, arguments().key, arguments().value); });
-    });
-
-    const char* listHelp = "CustomBackup, FileFavorites, VirtualLocation or LocationFavorites";
-
-    CLI::App* list = config->add_subcommand("list", "Print a list, one entry per line");
-    list->add_option("list", arguments().list, listHelp)->required();
-    list->callback([] {
-        List which{};
-        if (!parseList(arguments().list, which)) {
-            return;
+    clearCommand->callback([] {
+        const List list = parseList(arguments.list);
+        if (!holdsPlaces(list)) {
+            failUsage(nameOf(list) + " cannot be cleared; remove its entries one by one");
         }
-        withConfiguration(false, [which](PRuntimeConfig& c) {
-            for (const std::string& line : listLines(c, which)) {
-                std::cout << line << '\n';
-            }
-        });
+        ConfigSession session(options, true);
+        clearList(session, list);
     });
 
-    CLI::App* add = config->add_subcommand(
-        "add", "Add to a list: CustomBackup PATH, FileFavorites PATH [--root], "
-               "VirtualLocation X Y NAME, LocationFavorites X Y NAME");
-    add->add_option("list", arguments().list, listHelp)->required();
-    add->add_option("values", arguments().values, "The entry")->required();
-    add->add_flag("--root", arguments().root, "Mark a file favourite as a root");
-    add->callback([] {
-        List which{};
-        if (!parseList(arguments().list, which)) {
-            return;
-        }
-        withConfiguration(true, [which](PRuntimeConfig& c) {
-            const std::size_t before = listLines(c, which).size();
-            if (!addEntry(c, which, arguments().values, arguments().root)) {
-                return;
-            }
-            if (listLines(c, which).size() == before) {
-                std::cerr << "pallix: note: already in " << arguments().list
-                          << "; nothing changed\n";
-            }
+    action("dirs",
+           "Print the named directories and the working directories under the data root, "
+           "creating the working directories as the application does. With --json: "
+           "{\"directory\": {NAME: PATH}, \"working\": {\"localRoot\": PATH, ...}}.",
+           "pallix config dirs --json", "0 printed", true)
+        ->callback([] {
+            ConfigSession session(options, false);
+            printDirectories(session.config(), options.json);
         });
-    });
-
-    CLI::App* remove = config->add_subcommand(
-        "remove", "Remove from a list: CustomBackup PATH, FileFavorites PATH [--root], "
-                  "VirtualLocation X Y, LocationFavorites X Y");
-    remove->add_option("list", arguments().list, listHelp)->required();
-    remove->add_option("values", arguments().values, "The entry")->required();
-    remove->add_flag("--root", arguments().root, "The file favourite is marked as a root");
-    remove->callback([] {
-        List which{};
-        if (!parseList(arguments().list, which)) {
-            return;
-        }
-        withConfiguration(true, [which](PRuntimeConfig& c) {
-            const std::size_t before = listLines(c, which).size();
-            if (!removeEntry(c, which, arguments().values, arguments().root)) {
-                return;
-            }
-            if (listLines(c, which).size() == before) {
-                std::cerr << "pallix: note: no such entry in " << arguments().list << '\n';
-            }
-        });
-    });
-
-    CLI::App* clear =
-        config->add_subcommand("clear", "Empty a place list: VirtualLocation or LocationFavorites");
-    clear->add_option("list", arguments().list, "VirtualLocation or LocationFavorites")->required();
-    clear->callback([] {
-        List which{};
-        if (!parseList(arguments().list, which)) {
-            return;
-        }
-        if (which != List::VirtualLocation && which != List::LocationFavorites) {
-            fail(kBadArgument, arguments().list + " cannot be cleared; remove its entries");
-            return;
-        }
-        withConfiguration(true, [which](PRuntimeConfig& c) {
-            if (which == List::VirtualLocation) {
-                c.virtualLocationClear();
-            } else {
-                c.locationCollectClear();
-            }
-        });
-    });
-
-    CLI::App* dirs = config->add_subcommand(
-        "dirs", "Print the named and the working directories (creating the working "
-                "directories, as the application does)");
-    dirs->callback(
-        [] { withConfiguration(false, [](PRuntimeConfig& c) { printDirectories(c); }); });
 }
 
 } // namespace pallix::tool

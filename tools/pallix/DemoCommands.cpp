@@ -2,6 +2,8 @@
 // on the sample files, and prints each step as a person would want to read it.
 
 #include "Commands.h"
+#include "Directories.h"
+#include "Failure.h"
 #include "ToolOutput.h"
 
 #include "PallixRuntime.h"
@@ -14,7 +16,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iomanip>
@@ -37,36 +41,36 @@ struct DemoOptions {
 // Output helpers: a heading per step and a mark per result, in colour on a terminal.
 class DemoPrinter {
 public:
-    DemoPrinter() : m_colour(::isatty(STDOUT_FILENO) != 0) {}
-
     void step(const std::string& title) {
-        std::cout << '\n' << paint("1", std::to_string(++m_step) + ". " + title) << '\n';
+        std::cout << '\n'
+                  << paint(Colour::Bold, std::to_string(++m_step) + ". " + title, STDOUT_FILENO)
+                  << '\n';
     }
     void line(const std::string& text) { std::cout << "   " << text << '\n'; }
     void good(const std::string& text) {
-        std::cout << "   " << paint("32", "[ok]") << ' ' << text << '\n';
+        std::cout << "   " << paint(Colour::Green, "[ok]", STDOUT_FILENO) << ' ' << text << '\n';
     }
     void bad(const std::string& text) {
         ++m_failures;
-        std::cout << "   " << paint("31", "[!!]") << ' ' << text << '\n';
+        std::cout << "   " << paint(Colour::Red, "[!!]", STDOUT_FILENO) << ' ' << text << '\n';
     }
     int failures() const { return m_failures; }
 
 private:
-    std::string paint(const char* code, const std::string& text) const {
-        return m_colour ? "\x1b[" + std::string(code) + "m" + text + "\x1b[0m" : text;
-    }
-
-    bool m_colour;
     int m_step = 0;
     int m_failures = 0;
 };
 
+// The samples named on the command line, or the installed ones; a usage error when there are
+// none.
 std::string findSamplesDirectory(const std::string& requested) {
     std::error_code ignored;
     if (!requested.empty()) {
-        return std::filesystem::exists(requested + "/cloud.xml", ignored) ? requested
-                                                                          : std::string();
+        requireDirectory(requested, "samples");
+        if (!std::filesystem::is_regular_file(requested + "/cloud.xml", ignored)) {
+            failUsage(requested + ": no sample files (cloud.xml) in the samples directory");
+        }
+        return requested;
     }
     std::vector<std::string> candidates;
     const auto executable = std::filesystem::read_symlink("/proc/self/exe", ignored);
@@ -77,11 +81,37 @@ std::string findSamplesDirectory(const std::string& requested) {
     candidates.emplace_back(PALLIX_INSTALLED_SAMPLES_DIR);
     candidates.emplace_back(PALLIX_SOURCE_SAMPLES_DIR);
     for (const std::string& candidate : candidates) {
-        if (std::filesystem::exists(candidate + "/cloud.xml", ignored)) {
+        if (std::filesystem::is_regular_file(candidate + "/cloud.xml", ignored)) {
             return candidate;
         }
     }
-    return std::string();
+    failUsage("the sample files are not installed; name them with --samples-dir");
+}
+
+// The directory the demo works in: the one named, created when it is missing, or a new
+// temporary one. Either way a directory that the tool can use, by its canonical name.
+std::string prepareConfigDirectory(const std::string& requested) {
+    std::string directory = requested;
+    if (directory.empty()) {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "pallix-demo-XXXXXX").string();
+        if (::mkdtemp(&pattern[0]) == nullptr) {
+            failRejected("cannot create a temporary directory in " +
+                         std::filesystem::temp_directory_path().string() + " (" +
+                         std::strerror(errno) + ")");
+        }
+        directory = pattern;
+    }
+    std::error_code error;
+    if (!std::filesystem::exists(directory, error) && !error) {
+        std::filesystem::create_directories(directory, error);
+    }
+    if (error) {
+        failUsage(directory + ": cannot create the configuration directory (" + error.message() +
+                  ")");
+    }
+    const std::string canonical = std::filesystem::canonical(directory, error).string();
+    return useConfigDirectory(error ? directory : canonical);
 }
 
 std::string md5Of(const std::string& path) {
@@ -345,61 +375,47 @@ void convertAndFormat(DemoPrinter& out) {
 void showWrittenFiles(DemoPrinter& out, const std::string& configDir) {
     out.step("What the demo wrote in " + configDir);
     std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(configDir)) {
-        if (entry.is_regular_file()) {
-            files.push_back(entry.path());
+    std::error_code error;
+    for (std::filesystem::recursive_directory_iterator entry(configDir, error), end;
+         !error && entry != end; entry.increment(error)) {
+        if (entry->is_regular_file(error)) {
+            files.push_back(entry->path());
         }
     }
     std::sort(files.begin(), files.end());
     for (const auto& file : files) {
-        out.line(std::filesystem::relative(file, configDir).string() + "  (" +
-                 std::to_string(std::filesystem::file_size(file)) + " bytes)");
+        out.line(file.lexically_relative(configDir).string() + "  (" +
+                 std::to_string(std::filesystem::file_size(file, error)) + " bytes)");
     }
 }
 
 void runDemo(const DemoOptions& options) {
-    DemoPrinter out;
+    // Every directory is checked before anything is created or written.
     const std::string samples = findSamplesDirectory(options.samplesDir);
-    if (samples.empty()) {
-        reportError(options.samplesDir.empty()
-                        ? "the sample files are not installed; name them with --samples-dir"
-                        : "no sample files (cloud.xml) in " + options.samplesDir);
-        exitStatus() = 2;
-        return;
-    }
-
+    const std::string resourcesDir =
+        useResourcesDirectory(options.resourcesDir.empty() ? samples : options.resourcesDir);
     const bool temporary = options.configDir.empty();
-    std::string configDir = options.configDir;
-    if (temporary) {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "pallix-demo-XXXXXX").string();
-        if (::mkdtemp(&pattern[0]) == nullptr) {
-            reportError("cannot create a temporary directory");
-            exitStatus() = 1;
-            return;
-        }
-        configDir = pattern;
-    }
-    std::filesystem::create_directories(configDir);
-    configDir = std::filesystem::canonical(configDir).string();
-    const std::string resourcesDir = options.resourcesDir.empty() ? samples : options.resourcesDir;
-
-    NApplication::setDirectoryConfig(NString(configDir));
-    NApplication::setDirectoryResources(NString(resourcesDir));
+    const std::string configDir = prepareConfigDirectory(options.configDir);
     NApple::setBackupDirectory(NString(configDir + "/Backup"));
 
-    std::cout << "pallix demo: the application's typical road through libPallixRuntime "
-              << PALLIX_VERSION << "\n   samples: " << samples << '\n';
-    initialiseConfiguration(out, configDir, resourcesDir);
-    loadCloudDocument(out, samples);
-    loadTables(out, samples);
-    identifyDevices(out);
-    explainFailures(out);
-    keepStores(out, configDir);
-    convertAndFormat(out);
-    PRuntime::getInstance()->config()->release();
-    showWrittenFiles(out, configDir);
-    PRuntime::freeInstance();
+    DemoPrinter out;
+    {
+        // The demo changes the files of the directory it is given; the tool's own changes
+        // there wait for it.
+        const DirectoryLock lock(configDir);
+        std::cout << "pallix demo: the application's typical road through libPallixRuntime "
+                  << PALLIX_VERSION << "\n   samples: " << samples << '\n';
+        initialiseConfiguration(out, configDir, resourcesDir);
+        loadCloudDocument(out, samples);
+        loadTables(out, samples);
+        identifyDevices(out);
+        explainFailures(out);
+        keepStores(out, configDir);
+        convertAndFormat(out);
+        PRuntime::getInstance()->config()->release();
+        showWrittenFiles(out, configDir);
+        PRuntime::freeInstance();
+    }
 
     if (temporary) {
         std::error_code ignored;
@@ -413,7 +429,8 @@ void runDemo(const DemoOptions& options) {
                                 : std::to_string(failures) +
                                       (failures == 1 ? " check failed." : " checks failed."))
               << '\n';
-    exitStatus() = out.failures() == 0 ? 0 : 1;
+    // Failed checks are the demo's answer, each reported on its own line.
+    exitStatus() = failures == 0 ? kSuccess : kRejected;
 }
 
 } // namespace
@@ -422,12 +439,24 @@ void registerDemoCommands(CLI::App& app) {
     auto options = std::make_shared<DemoOptions>();
     CLI::App* command =
         app.add_subcommand("demo", "Walk the application's typical road on the sample files");
-    command->add_option("--config-dir", options->configDir,
-                        "Configuration directory to work in and keep (default: a temporary one)");
-    command->add_option("--resources-dir", options->resourcesDir,
-                        "Resources directory holding UpdateCfg.xml (default: the samples)");
-    command->add_option("--samples-dir", options->samplesDir,
-                        "Directory of the sample files (default: the installed samples)");
+    command
+        ->add_option("--config-dir", options->configDir,
+                     "Configuration directory to work in and keep, created when it is missing "
+                     "(default: a temporary one, removed afterwards)")
+        ->type_name("DIR");
+    command
+        ->add_option("--resources-dir", options->resourcesDir,
+                     "Resources directory holding UpdateCfg.xml (default: the samples)")
+        ->type_name("DIR");
+    command
+        ->add_option("--samples-dir", options->samplesDir,
+                     "Directory of the sample files (default: the installed samples)")
+        ->type_name("DIR");
+    setExample(*command, "pallix demo --config-dir /tmp/pallix-demo");
+    command->footer(command->get_footer() +
+                    "\n\nExit status: 0 every step worked; 1 a check failed (marked [!!]); 2 a "
+                    "usage error, or a directory that is missing (but --config-dir), not a "
+                    "directory, or cannot be read.\n");
     command->callback([options] { runDemo(*options); });
 }
 

@@ -23,7 +23,8 @@ const char* const kResourcesHelp =
     "The resources directory, holding UpdateCfg.xml with the running version (default: the "
     "application's own, beside the program)";
 
-// Fails with a message naming the directory unless it is one.
+} // namespace
+
 void requireDirectory(const std::string& directory, const char* what) {
     struct stat info {};
     if (::stat(directory.c_str(), &info) != 0) {
@@ -37,8 +38,6 @@ void requireDirectory(const std::string& directory, const char* what) {
                   std::strerror(errno) + ")");
     }
 }
-
-} // namespace
 
 void addConfigDirectoryOption(CLI::App& command, std::string& directory) {
     command.add_option("--config-dir", directory, kConfigHelp)->type_name("DIR");

@@ -21,6 +21,9 @@ void addResourcesDirectoryOption(CLI::App& command, std::string& directory);
 // that it is one the tool can use; an empty name keeps the application's own. A missing path,
 // a file or an unreadable directory is a usage error that names it. Returns the directory used.
 std::string useConfigDirectory(const std::string& directory);
+// The check that both make: a usage error naming the directory ("the <what> directory") unless
+// it is a directory that can be read.
+void requireDirectory(const std::string& directory, const char* what);
 std::string useResourcesDirectory(const std::string& directory);
 
 // An exclusive advisory lock on a directory, held while a subcommand reads, changes and writes

@@ -99,6 +99,18 @@ void guardReading(const std::string& path, check::FileKind kind) {
     }
 }
 
+std::string fileProblem(const std::string& path, check::FileKind kind) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) {
+        return errno == ENOENT ? std::string()
+                               : std::string("cannot be read (") + std::strerror(errno) + ")";
+    }
+    if (!S_ISREG(info.st_mode)) {
+        return "is not a regular file";
+    }
+    return readingProblem(path, kind);
+}
+
 void addForceFlag(CLI::App& command, bool& force) {
     command.add_flag("--force", force,
                      "Replace the file even when it cannot be read as it is (its content is lost)");

@@ -19,6 +19,11 @@ void guardFile(const std::string& path, check::FileKind kind, bool force);
 // as empty. Fails (status 2) naming the file, saying so and pointing to "pallix check".
 void guardReading(const std::string& path, check::FileKind kind);
 
+// Why the library would not read the file as `kind` (not a regular file, unreadable, malformed,
+// another kind); empty when it would, and when there is no file. For a command that only reads
+// and warns.
+std::string fileProblem(const std::string& path, check::FileKind kind);
+
 void addForceFlag(CLI::App& command, bool& force);
 
 } // namespace pallix::tool

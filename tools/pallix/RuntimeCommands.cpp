@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "Failure.h"
 #include "ToolOutput.h"
 
 #include "PRuntime.h"
@@ -11,15 +12,18 @@ namespace pallix::tool {
 // "pallix runtime": shows that the library loads and hands out its root and value store.
 void registerRuntimeCommands(CLI::App& app) {
     CLI::App* runtime = app.add_subcommand("runtime", "Load the library and show its root object");
+    setExample(*runtime, "pallix runtime");
+    runtime->footer(runtime->get_footer() +
+                    "\n\nExit status: 0 the root and the value store are ready; 1 the library "
+                    "could not create them.\n");
     runtime->callback([] {
         PRuntime* root = PRuntime::getInstance();
-        if (root == nullptr || root->value() == nullptr) {
-            reportError("the runtime root could not be created");
-            exitStatus() = 1;
-            return;
+        const bool ready = root != nullptr && root->value() != nullptr;
+        PRuntime::freeInstance();
+        if (!ready) {
+            failRejected("the runtime root could not be created");
         }
         std::cout << "libPallixRuntime " << PALLIX_VERSION << ": root ready, value store ready\n";
-        PRuntime::freeInstance();
     });
 }
 

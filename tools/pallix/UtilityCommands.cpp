@@ -1,77 +1,128 @@
 #include "Commands.h"
+#include "Failure.h"
+#include "Suggestion.h"
 #include "ToolOutput.h"
+#include "Values.h"
 
 #include "NString.h"
 #include "PRuntime.h"
 #include "PRuntimeLocation.h"
 #include "PRuntimeString.h"
 
-#include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace pallix::tool {
 
 namespace {
 
 // The root is created for one subcommand and freed again when it ends.
-struct RootScope {
-    PRuntime* root = PRuntime::getInstance();
+class RootScope {
+public:
+    RootScope() : m_root(PRuntime::getInstance()) {
+        if (m_root == nullptr) {
+            failRejected("the runtime root could not be created");
+        }
+    }
     ~RootScope() { PRuntime::freeInstance(); }
+    RootScope(const RootScope&) = delete;
+    RootScope& operator=(const RootScope&) = delete;
+
+    PRuntimeString& strings() { return *require(m_root->string()); }
+    PRuntimeLocation& location() { return *require(m_root->location()); }
+
+private:
+    template <typename Component> static Component* require(Component* component) {
+        if (component == nullptr) {
+            failRejected("the runtime component could not be created");
+        }
+        return component;
+    }
+
+    PRuntime* m_root;
 };
 
 std::string toText(const QString& text) {
     return _80BAEFCF_853E_40F2_B25F_0FB5B8F4D46F(text).toStdString();
 }
 
-// A whole decimal number without sign, within unsigned long long.
-bool parseBytes(const std::string& text, unsigned long long& value) {
-    if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos) {
-        return false;
-    }
-    errno = 0;
-    char* end = nullptr;
-    value = std::strtoull(text.c_str(), &end, 10);
-    return errno == 0 && *end == '\0';
+void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses) {
+    setExample(command, example);
+    command.footer(command.get_footer() + "\n\nExit status: " + statuses + "\n");
 }
 
-bool parseSeconds(const std::string& text, long long& value) {
-    if (text.empty()) {
-        return false;
-    }
-    errno = 0;
-    char* end = nullptr;
-    value = std::strtoll(text.c_str(), &end, 10);
-    return errno == 0 && end != text.c_str() && *end == '\0';
+const char* const kUsageStatus = "2 a usage error (an argument that is not what it says).";
+
+// ---- size ------------------------------------------------------------------------------------
+
+void registerSize(CLI::App& app) {
+    struct Options {
+        std::string bytes;
+        int precision = 2;
+        bool spaced = false;
+        bool json = false;
+    };
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand(
+        "size", "Show a byte count as the interface does (base 1024, up to TB). With --json: "
+                "{\"bytes\": N, \"text\": TEXT}.");
+    command->add_option("BYTES", options->bytes, "Number of bytes, 0 to 18446744073709551615")
+        ->required();
+    command->add_option("--precision", options->precision, "Decimals from KB on (default 2)")
+        ->check(IntegerIn(0, 17));
+    command->add_flag("--spaced", options->spaced, "Put a blank between number and unit");
+    addJsonFlag(*command, options->json);
+    finishHelp(*command, "pallix size 1536 --precision 1", std::string("0 shown; ") + kUsageStatus);
+    command->callback([options] {
+        const auto bytes =
+            parseUnsigned(options->bytes, std::numeric_limits<unsigned long long>::max());
+        if (!bytes) {
+            failUsage("not a byte count: '" + options->bytes +
+                      "' (a whole number from 0 to 18446744073709551615)");
+        }
+        RootScope scope;
+        const std::string text =
+            toText(scope.strings().stringFromSize(*bytes, options->precision, options->spaced));
+        if (options->json) {
+            printJson(nlohmann::ordered_json{{"bytes", *bytes}, {"text", text}});
+        } else {
+            std::cout << text << '\n';
+        }
+    });
 }
 
-// Any number strtod reads, "nan" and "inf" included: the conversions have answers for them.
-bool parseDegrees(const std::string& text, double& value) {
-    if (text.empty()) {
-        return false;
-    }
-    char* end = nullptr;
-    value = std::strtod(text.c_str(), &end);
-    return end != text.c_str() && *end == '\0';
-}
+// ---- coord -----------------------------------------------------------------------------------
 
 enum class Datum { Wgs84, Gcj02, Bd09 };
 
-bool parseDatum(const std::string& text, Datum& datum) {
-    if (text == "wgs84") {
-        datum = Datum::Wgs84;
-    } else if (text == "gcj02") {
-        datum = Datum::Gcj02;
-    } else if (text == "bd09") {
-        datum = Datum::Bd09;
-    } else {
-        return false;
+const std::vector<std::string>& datumNames() {
+    static const std::vector<std::string> names{"wgs84", "gcj02", "bd09"};
+    return names;
+}
+
+Datum parseDatum(const std::string& text) {
+    for (std::size_t i = 0; i < datumNames().size(); ++i) {
+        if (datumNames()[i] == text) {
+            return static_cast<Datum>(i);
+        }
     }
-    return true;
+    failUsage("unknown datum: " + text + " (wgs84, gcj02 or bd09)" +
+              didYouMean(text, datumNames()));
+}
+
+// The conversions have no documented answer for a NaN or an infinity: such input is refused.
+double parseDegrees(const char* what, const std::string& text) {
+    const std::optional<double> value = parseFiniteNumber(text);
+    if (!value) {
+        failUsage(std::string("not a ") + what + ": '" + text + "' (a finite number of degrees)");
+    }
+    return *value;
 }
 
 // Every way between the three datums goes through GCJ-02, the one both shifts share.
@@ -93,132 +144,116 @@ void convert(const PRuntimeLocation& location, Datum from, Datum to, double& lon
 }
 
 std::string formatDegrees(double value, bool exact) {
-    if (std::isnan(value)) {
-        return "nan"; // printf would show the sign bit of a NaN ("-nan")
-    }
     char buffer[64];
     std::snprintf(buffer, sizeof buffer, exact ? "%.17g" : "%.6f", value);
     return buffer;
 }
 
-void registerSize(CLI::App& app) {
-    CLI::App* command = app.add_subcommand("size", "Show a byte count as the interface does");
-    auto bytes = std::make_shared<std::string>();
-    auto precision = std::make_shared<int>(2);
-    auto spaced = std::make_shared<bool>(false);
-    command->add_option("BYTES", *bytes, "Number of bytes")->required();
-    command->add_option("--precision", *precision, "Decimals from KB on (default 2)");
-    command->add_flag("--spaced", *spaced, "Put a blank between number and unit");
-    command->callback([bytes, precision, spaced] {
-        unsigned long long value = 0;
-        if (!parseBytes(*bytes, value)) {
-            reportError("not a byte count: " + *bytes);
-            exitStatus() = 2;
-            return;
-        }
+void registerCoord(CLI::App& app) {
+    struct Options {
+        std::string from;
+        std::string to;
+        std::string longitude;
+        std::string latitude;
+        bool exact = false;
+        bool json = false;
+    };
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand(
+        "coord", "Convert a map coordinate between wgs84, gcj02 and bd09 (longitude first, in "
+                 "finite degrees). With --json: {\"from\", \"to\", \"longitude\", \"latitude\"}, "
+                 "the numbers at full precision.");
+    command->add_option("FROM", options->from, "Datum of the input: wgs84, gcj02 or bd09")
+        ->required();
+    command->add_option("TO", options->to, "Datum of the output: wgs84, gcj02 or bd09")->required();
+    command->add_option("LNG", options->longitude, "Longitude in degrees")->required();
+    command->add_option("LAT", options->latitude, "Latitude in degrees")->required();
+    command->add_flag("--exact", options->exact,
+                      "Print every digit (17 significant) instead of 6 decimals");
+    addJsonFlag(*command, options->json);
+    finishHelp(*command, "pallix coord wgs84 gcj02 116.397128 39.916527",
+               std::string("0 converted; ") + kUsageStatus);
+    command->callback([options] {
+        const Datum source = parseDatum(options->from);
+        const Datum target = parseDatum(options->to);
+        double longitude = parseDegrees("longitude", options->longitude);
+        double latitude = parseDegrees("latitude", options->latitude);
         RootScope scope;
-        PRuntimeString* strings = scope.root != nullptr ? scope.root->string() : nullptr;
-        if (strings == nullptr) {
-            reportError("the runtime root could not be created");
-            exitStatus() = 1;
-            return;
+        convert(scope.location(), source, target, longitude, latitude);
+        if (options->json) {
+            printJson(nlohmann::ordered_json{{"from", options->from},
+                                             {"to", options->to},
+                                             {"longitude", longitude},
+                                             {"latitude", latitude}});
+        } else {
+            std::cout << formatDegrees(longitude, options->exact) << ' '
+                      << formatDegrees(latitude, options->exact) << '\n';
         }
-        std::cout << toText(strings->stringFromSize(value, *precision, *spaced)) << '\n';
     });
 }
 
-void registerCoord(CLI::App& app) {
-    CLI::App* command =
-        app.add_subcommand("coord", "Convert a map coordinate between wgs84, gcj02 and bd09");
-    auto from = std::make_shared<std::string>();
-    auto to = std::make_shared<std::string>();
-    auto longitude = std::make_shared<std::string>();
-    auto latitude = std::make_shared<std::string>();
-    auto exact = std::make_shared<bool>(false);
-    command->add_option("FROM", *from, "Datum of the input: wgs84, gcj02 or bd09")->required();
-    command->add_option("TO", *to, "Datum of the output: wgs84, gcj02 or bd09")->required();
-    command->add_option("LNG", *longitude, "Longitude in degrees")->required();
-    command->add_option("LAT", *latitude, "Latitude in degrees")->required();
-    command->add_flag("--exact", *exact,
-                      "Print every digit (17 significant) instead of 6 decimals");
-    command->callback([from, to, longitude, latitude, exact] {
-        Datum source = Datum::Wgs84;
-        Datum target = Datum::Wgs84;
-        double lng = 0.0;
-        double lat = 0.0;
-        if (!parseDatum(*from, source)) {
-            reportError("unknown datum: " + *from + " (expected wgs84, gcj02 or bd09)");
-            exitStatus() = 2;
-            return;
-        }
-        if (!parseDatum(*to, target)) {
-            reportError("unknown datum: " + *to + " (expected wgs84, gcj02 or bd09)");
-            exitStatus() = 2;
-            return;
-        }
-        if (!parseDegrees(*longitude, lng)) {
-            reportError("not a longitude: " + *longitude);
-            exitStatus() = 2;
-            return;
-        }
-        if (!parseDegrees(*latitude, lat)) {
-            reportError("not a latitude: " + *latitude);
-            exitStatus() = 2;
-            return;
-        }
-        RootScope scope;
-        PRuntimeLocation* location = scope.root != nullptr ? scope.root->location() : nullptr;
-        if (location == nullptr) {
-            reportError("the runtime root could not be created");
-            exitStatus() = 1;
-            return;
-        }
-        convert(*location, source, target, lng, lat);
-        std::cout << formatDegrees(lng, *exact) << ' ' << formatDegrees(lat, *exact) << '\n';
-    });
-}
+// ---- date ------------------------------------------------------------------------------------
 
 void registerDate(CLI::App& app) {
+    struct Options {
+        std::string seconds;
+        bool json = false;
+    };
+    auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(
-        "date", "Show the local date of an instant and the start of its local day");
-    auto seconds = std::make_shared<std::string>();
-    command->add_option("SECONDS", *seconds, "Seconds since 1970-01-01 00:00 UTC")->required();
-    command->callback([seconds] {
-        long long value = 0;
-        if (!parseSeconds(*seconds, value)) {
-            reportError("not a number of seconds: " + *seconds);
-            exitStatus() = 2;
-            return;
+        "date", "Show the local date of an instant and the start of its local day. The date "
+                "helpers count unsigned 32-bit seconds: instants from 0 (1970-01-01) to "
+                "4294967295 (2106-02-07). With --json: {\"seconds\", \"date\", \"dayStart\"}.");
+    command->add_option("SECONDS", options->seconds, "Seconds since 1970-01-01 00:00 UTC")
+        ->required();
+    addJsonFlag(*command, options->json);
+    finishHelp(*command, "pallix date 1704139200 --json", std::string("0 shown; ") + kUsageStatus);
+    command->callback([options] {
+        const auto seconds = parseInteger(options->seconds, 0, UINT32_MAX);
+        if (!seconds) {
+            failUsage("not a number of seconds the date helpers take: '" + options->seconds +
+                      "' (they count unsigned 32-bit seconds, from 0, 1970-01-01, to " +
+                      std::to_string(UINT32_MAX) + ", 2106-02-07)");
         }
         RootScope scope;
-        PRuntimeString* strings = scope.root != nullptr ? scope.root->string() : nullptr;
-        if (strings == nullptr) {
-            reportError("the runtime root could not be created");
-            exitStatus() = 1;
-            return;
+        const std::string date = toText(scope.strings().secondToString(*seconds));
+        const long long dayStart = scope.strings().secondToDay(*seconds);
+        if (options->json) {
+            printJson(nlohmann::ordered_json{
+                {"seconds", *seconds}, {"date", date}, {"dayStart", dayStart}});
+        } else {
+            std::cout << "date: " << date << '\n' << "day starts at: " << dayStart << '\n';
         }
-        std::cout << "date: " << toText(strings->secondToString(value)) << '\n'
-                  << "day starts at: " << strings->secondToDay(value) << '\n';
     });
 }
 
+// ---- password --------------------------------------------------------------------------------
+
 void registerPassword(CLI::App& app) {
+    struct Options {
+        std::string text;
+        bool json = false;
+    };
+    auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(
-        "password", "Check a password against the strength rule (exit status 1 when rejected)");
-    auto text = std::make_shared<std::string>();
-    command->add_option("TEXT", *text, "The password, UTF-8")->required();
-    command->callback([text] {
+        "password", "Check a password against the strength rule: 6 to 32 characters, not only "
+                    "digits, not only ASCII letters, not only other characters. With --json: "
+                    "{\"accepted\": true or false}.");
+    command->add_option("TEXT", options->text, "The password, UTF-8")->required();
+    addJsonFlag(*command, options->json);
+    finishHelp(*command, "pallix password 'abc123'",
+               std::string("0 accepted; 1 rejected; ") + kUsageStatus);
+    command->callback([options] {
         RootScope scope;
-        PRuntimeString* strings = scope.root != nullptr ? scope.root->string() : nullptr;
-        if (strings == nullptr) {
-            reportError("the runtime root could not be created");
-            exitStatus() = 1;
-            return;
+        const bool accepted = scope.strings().passwordMatch(
+            _8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(NString(options->text)));
+        if (options->json) {
+            printJson(nlohmann::ordered_json{{"accepted", accepted}});
+        } else {
+            std::cout << (accepted ? "accepted" : "rejected") << '\n';
         }
-        const bool accepted = strings->passwordMatch(
-            _8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(NString(text->c_str(), text->size())));
-        std::cout << (accepted ? "accepted" : "rejected") << '\n';
-        exitStatus() = accepted ? 0 : 1;
+        // A rejection is the command's answer, not an error: it prints no message.
+        exitStatus() = accepted ? kSuccess : kRejected;
     });
 }
 

@@ -84,7 +84,7 @@ int reportUsageError(const CLI::App& app, const CLI::ParseError& error) {
     if (!word.empty()) {
         if (word.rfind("-", 0) == 0) {
             message =
-                commandPath(command) + ": unknown option '" + word + "'" +
+                commandPrefix(command) + "unknown option '" + word + "'" +
                 pallix::tool::didYouMean(word.substr(0, word.find('=')), optionNames(command));
         } else if (!command.get_subcommands([](const CLI::App*) { return true; }).empty()) {
             message = commandPrefix(command) + "unknown command '" + word + "'" +
@@ -113,7 +113,9 @@ void registerHelpCommand(CLI::App& app, std::vector<std::string>& words) {
             }
             command = sub;
         }
-        std::cout << command->help();
+        // Named from the tool down, as "pallix COMMAND --help" names it.
+        std::cout << command->help(command == &app ? std::string()
+                                                   : commandPath(*command->get_parent()));
     });
 }
 
