@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "FileGuard.h"
+#include "FileNames.h"
 #include "ToolOutput.h"
 
 #include "NFileSystem.h"
@@ -14,9 +15,9 @@ namespace {
 
 // The library does not hand out the names of its files; these are the names it reads and
 // writes, in the configuration directory (the first two) and the resources directory.
-const char* const kCurrentFile = "/configure.xml";
-const char* const kLegacyFile = "/Config.xml";
-const char* const kVersionFile = "/UpdateCfg.xml";
+const std::string kCurrentFile = std::string("/") + format::kConfigurationFile;
+const std::string kLegacyFile = std::string("/") + format::kLegacyConfigurationFile;
+const std::string kVersionFile = std::string("/") + format::kVersionFile;
 
 // The running version decides whether this start counts as an update; the library says nothing
 // when it cannot read the version, so the tool does.

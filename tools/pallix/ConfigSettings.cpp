@@ -1,5 +1,6 @@
 #include "ConfigSettings.h"
 
+#include "ConfigurationFormat.h"
 #include "Failure.h"
 #include "Suggestion.h"
 #include "Values.h"
@@ -228,13 +229,14 @@ Setting familySetting(PRuntimeConfig* config, const std::string& key, const std:
 } // namespace
 
 const std::vector<std::string>& knownSettings() {
-    // The library keeps these defaults to itself; getSettingStatus() answers them by name.
-    static const std::vector<std::string> names{
-        "ApplicationAutorun",   "WindowCloseSelect",     "WindowCloseOperate",
-        "WindowAnimation",      "WiFiConnect",           "ITunesAutorun",
-        "KeepFirmwareCache",    "RelationIpa",           "VerifySerialNumber",
-        "VerifyPaymentConfirm", "VerifyTimecardConfirm", "ToolsProcessSkipService",
-        "RESTORE_FACTORY"};
+    // getSettingStatus() answers these by name even before one is stored.
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> list;
+        for (const auto& setting : format::configuration::kKnownSettings) {
+            list.emplace_back(setting.name);
+        }
+        return list;
+    }();
     return names;
 }
 
