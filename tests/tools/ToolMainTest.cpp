@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 using pallix::test::runTool;
 
 TEST(ToolMain, VersionNamesTheLibraryVersion) {
@@ -72,4 +76,32 @@ TEST(ToolMain, UnknownOptionOfACommandIsNamedOnce) {
                                   0),
               0U)
         << result.errors;
+}
+
+TEST(ToolMain, MistypedWordsGetASuggestionAndExit2) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{"chek"}, "pallix: unknown command 'chek'; did you mean 'check'?"},
+        {{"config", "lst"}, "pallix: config: unknown command 'lst'; did you mean 'list'?"},
+        {{"config", "--config-dir", "/nonexistent", "lst"},
+         "pallix: config: unknown command 'lst'; did you mean 'list'?"},
+        {{"notify", "lst"}, "pallix: notify: unknown command 'lst'; did you mean 'list'?"},
+        {{"check", "--jsn", "x.xml"}, "unknown option '--jsn'; did you mean '--json'?"},
+    };
+    for (const auto& [arguments, message] : cases) {
+        const auto result = runTool(arguments);
+        EXPECT_EQ(result.status, 2) << arguments.front();
+        EXPECT_NE(result.errors.find(message), std::string::npos) << result.errors;
+        EXPECT_TRUE(result.output.empty()) << result.output;
+    }
+}
+
+TEST(ToolMain, HelpOfACommandIsTheCommandsOwnHelpWithAnExample) {
+    const auto viaHelp = runTool({"help", "config", "set"});
+    const auto viaOption = runTool({"config", "set", "--help"});
+    EXPECT_EQ(viaHelp.status, 0);
+    EXPECT_EQ(viaHelp.output, viaOption.output);
+    EXPECT_NE(viaHelp.output.find("Example"), std::string::npos) << viaHelp.output;
+    const auto unknown = runTool({"help", "confg"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_NE(unknown.errors.find("did you mean 'config'?"), std::string::npos) << unknown.errors;
 }

@@ -77,10 +77,45 @@ std::string firstUnexpected(const std::string& message) {
 
 // A usage error in the words of CLI11, with a suggestion where a word was mistyped and a
 // pointer to the help of the command that was reached.
-int reportUsageError(const CLI::App& app, const CLI::ParseError& error) {
+// The first word on the command line after the command that was reached, skipping options and
+// their values: what a group that requires an action was given instead of one.
+std::string firstWordAfter(const CLI::App& command, const std::vector<std::string>& arguments) {
+    std::vector<std::string> path;
+    for (const CLI::App* at = &command; at->get_parent() != nullptr; at = at->get_parent()) {
+        path.insert(path.begin(), at->get_name());
+    }
+    std::size_t matched = 0;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (argument.rfind("-", 0) == 0) {
+            const CLI::Option* option = nullptr;
+            for (const CLI::App* at = &command; at != nullptr && option == nullptr;
+                 at = at->get_parent()) {
+                option = at->get_option_no_throw(argument.substr(0, argument.find('=')));
+            }
+            if (option != nullptr && option->get_type_size() != 0 &&
+                argument.find('=') == std::string::npos) {
+                ++i;
+            }
+        } else if (matched < path.size()) {
+            matched += argument == path[matched] ? 1 : 0;
+        } else {
+            return argument;
+        }
+    }
+    return std::string();
+}
+
+int reportUsageError(const CLI::App& app, const CLI::ParseError& error,
+                     const std::vector<std::string>& arguments) {
     const CLI::App& command = *innermostCommand(app);
     std::string message = error.what();
-    const std::string word = firstUnexpected(message);
+    std::string word = firstUnexpected(message);
+    // CLI11 asks for an action before it names an unexpected word: name the mistyped action.
+    if (word.empty() && dynamic_cast<const CLI::RequiredError*>(&error) != nullptr &&
+        !command.get_subcommands([](const CLI::App*) { return true; }).empty()) {
+        word = firstWordAfter(command, arguments);
+    }
     if (!word.empty()) {
         if (word.rfind("-", 0) == 0) {
             message =
@@ -151,7 +186,7 @@ int main(int argc, char** argv) {
     } catch (const CLI::CallForVersion& version) {
         return app.exit(version);
     } catch (const CLI::ParseError& error) {
-        return reportUsageError(app, error);
+        return reportUsageError(app, error, std::vector<std::string>(argv + 1, argv + argc));
     } catch (const pallix::tool::Failure& failure) {
         if (failure.what()[0] != '\0') {
             pallix::tool::reportError(failure.what());
