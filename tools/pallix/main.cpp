@@ -112,7 +112,7 @@ int reportUsageError(const CLI::App& app, const CLI::ParseError& error,
     std::string message = error.what();
     std::string word = firstUnexpected(message);
     // CLI11 asks for an action before it names an unexpected word: name the mistyped action.
-    if (word.empty() && dynamic_cast<const CLI::RequiredError*>(&error) != nullptr &&
+    if (word.empty() && error.get_name() == "RequiredError" &&
         !command.get_subcommands([](const CLI::App*) { return true; }).empty()) {
         word = firstWordAfter(command, arguments);
     }
