@@ -105,3 +105,14 @@ TEST(ToolMain, HelpOfACommandIsTheCommandsOwnHelpWithAnExample) {
     EXPECT_EQ(unknown.status, 2);
     EXPECT_NE(unknown.errors.find("did you mean 'config'?"), std::string::npos) << unknown.errors;
 }
+
+TEST(ToolMain, AGroupWithoutAnActionNamesItsActions) {
+    for (const char* group : {"config", "notify", "portbind", "factory", "ipsw"}) {
+        const auto result = runTool({group});
+        EXPECT_EQ(result.status, 2) << group;
+        EXPECT_NE(result.errors.find(std::string("pallix: ") + group + ": an action is required ("),
+                  std::string::npos)
+            << result.errors;
+        EXPECT_NE(result.errors.find("list"), std::string::npos) << result.errors;
+    }
+}

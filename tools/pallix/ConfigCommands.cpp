@@ -33,12 +33,6 @@ struct Arguments {
     bool root = false;
 };
 
-// The footer of a help screen: an example, then what the exit statuses mean for the command.
-void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses) {
-    setExample(command, example);
-    command.footer(command.get_footer() + "\n\nExit status: " + statuses + "\n");
-}
-
 const char* const kStartProblems =
     "2 a usage error, a directory that cannot be used, or a configuration file that cannot be "
     "read as it is (see --force).";

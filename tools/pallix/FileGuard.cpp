@@ -81,24 +81,6 @@ void guardFile(const std::string& path, check::FileKind kind, bool force) {
                    "' to see why, or pass --force to replace it)");
 }
 
-void guardReading(const std::string& path, check::FileKind kind) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
-        if (errno == ENOENT) {
-            return;
-        }
-        failUnreadable(path + ": cannot be read (" + std::strerror(errno) +
-                       "); the library reads it as empty");
-    }
-    const std::string problem =
-        S_ISREG(info.st_mode) ? readingProblem(path, kind) : "is not a regular file";
-    if (!problem.empty()) {
-        failUnreadable(path + ": " + problem +
-                       "; the library reads it as empty (run 'pallix check " + path +
-                       "' to see why)");
-    }
-}
-
 std::string fileProblem(const std::string& path, check::FileKind kind) {
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) {
@@ -114,6 +96,15 @@ std::string fileProblem(const std::string& path, check::FileKind kind) {
 void addForceFlag(CLI::App& command, bool& force) {
     command.add_flag("--force", force,
                      "Replace the file even when it cannot be read as it is (its content is lost)");
+}
+
+void guardReading(const std::string& path, check::FileKind kind) {
+    const std::string problem = fileProblem(path, kind);
+    if (!problem.empty()) {
+        failUnreadable(path + ": " + problem +
+                       "; the library reads it as empty (run 'pallix check " + path +
+                       "' to see why)");
+    }
 }
 
 } // namespace pallix::tool

@@ -80,9 +80,4 @@ void requireFileKind(const std::string& path, check::FileKind expected) {
                    " (run 'pallix check --kind " + check::nameOf(expected) + " " + path + "')");
 }
 
-void endHelp(CLI::App& command, const std::string& notes, const std::string& example) {
-    setExample(command, example);
-    command.footer(notes + "\n" + command.get_footer());
-}
-
 } // namespace pallix::tool

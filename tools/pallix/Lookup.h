@@ -19,8 +19,4 @@ std::string describeKind(check::FileKind kind);
 // kind it is when that can be told, or else what is wrong and the 'pallix check' that says more.
 void requireFileKind(const std::string& path, check::FileKind expected);
 
-// Ends the help of a lookup with `notes` (what --json prints, the exit statuses) and then the
-// example.
-void endHelp(CLI::App& command, const std::string& notes, const std::string& example);
-
 } // namespace pallix::tool

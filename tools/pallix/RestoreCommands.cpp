@@ -197,7 +197,7 @@ void registerFactory(CLI::App& app) {
     CLI::App* factory = app.add_subcommand(
         "factory", "Factory information of devices, kept in the configuration directory "
                    "(\"Factory.json\")");
-    requireAction(*factory);
+    factory->require_subcommand(1);
 
     CLI::App* list = factory->add_subcommand(
         "list", "One line per value, by device: device, key, value (tab-separated; a value "
@@ -320,7 +320,7 @@ void registerIpsw(CLI::App& app) {
     CLI::App* ipsw = app.add_subcommand(
         "ipsw", "Firmware files matched to download addresses, kept in the configuration "
                 "directory (\"RestoreIpsw.xml\")");
-    requireAction(*ipsw);
+    ipsw->require_subcommand(1);
 
     CLI::App* list = ipsw->add_subcommand(
         "list", "One line per match, by address: address and local file, tab-separated (matches "

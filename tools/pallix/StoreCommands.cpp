@@ -182,7 +182,7 @@ void registerNotify(CLI::App& app) {
     CLI::App* notify =
         app.add_subcommand("notify", "List, add or remove the notifications of a configuration "
                                      "directory (\"notify.xml\")");
-    requireAction(*notify);
+    notify->require_subcommand(1);
 
     CLI::App* list = notify->add_subcommand(
         "list", "One line per notification, by id: id, user, time, flags, title, address "
@@ -311,7 +311,7 @@ void registerPortbind(CLI::App& app) {
     CLI::App* portbind = app.add_subcommand(
         "portbind",
         "List, add or remove the port bindings of a configuration directory (\"PortBind.xml\")");
-    requireAction(*portbind);
+    portbind->require_subcommand(1);
 
     CLI::App* list = portbind->add_subcommand(
         "list", "One line per binding, by source: source and target, tab-separated. With "

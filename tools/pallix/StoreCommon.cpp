@@ -26,23 +26,8 @@ void shareConfigDirectory(CLI::App& group, std::string& directory) {
     }
 }
 
-void requireAction(CLI::App& group) {
-    group.require_subcommand(0, 1);
-    group.callback([&group] {
-        if (group.get_subcommands().empty()) {
-            std::string actions;
-            for (const CLI::App* action :
-                 group.get_subcommands([](const CLI::App*) { return true; })) {
-                actions += (actions.empty() ? "" : ", ") + action->get_name();
-            }
-            failUsage(group.get_name() + ": an action is required (" + actions + ")");
-        }
-    });
-}
-
 void describeExits(CLI::App& command, const std::string& statuses, const std::string& example) {
-    setExample(command, example);
-    command.footer("Exit status: " + statuses + "\n" + command.get_footer());
+    endHelp(command, "Exit status: " + statuses, example);
 }
 
 std::string readableStoreFile(const std::string& directoryOption, const std::string& name,

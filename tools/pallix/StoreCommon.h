@@ -15,11 +15,6 @@ namespace pallix::tool {
 // it goes before or after the action alike.
 void shareConfigDirectory(CLI::App& group, std::string& directory);
 
-// Makes the group take exactly one action. CLI11's own requirement is checked before the words
-// it did not expect, so a mistyped action would only hear "a subcommand is required"; checked
-// here instead, the mistyped word gets its "did you mean".
-void requireAction(CLI::App& group);
-
 // Ends the help of a command with its exit statuses and an example.
 void describeExits(CLI::App& command, const std::string& statuses, const std::string& example);
 

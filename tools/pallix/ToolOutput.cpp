@@ -99,6 +99,16 @@ void setExample(CLI::App& command, const std::string& example) {
     command.footer(lines);
 }
 
+void endHelp(CLI::App& command, const std::string& notes, const std::string& example) {
+    setExample(command, example);
+    command.footer(notes + "\n" + command.get_footer());
+}
+
+void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses) {
+    setExample(command, example);
+    command.footer(command.get_footer() + "\n\nExit status: " + statuses + "\n");
+}
+
 std::string describeXmlProblem(const std::string& path) {
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) {

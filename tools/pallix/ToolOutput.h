@@ -38,6 +38,10 @@ std::string paint(Colour colour, const std::string& text, int fileDescriptor);
 
 // Ends a help screen with an example (or several, one per line).
 void setExample(CLI::App& command, const std::string& example);
+// Ends a help screen with `notes` (what --json prints, the exit statuses), then the example.
+void endHelp(CLI::App& command, const std::string& notes, const std::string& example);
+// Ends a help screen with the example, then "Exit status: STATUSES".
+void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses);
 
 // Describes why an XML file could not be used: missing, unreadable, or not well-formed
 // (with its line and column). Returns an empty text when the file parses.

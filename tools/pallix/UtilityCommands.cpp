@@ -52,11 +52,6 @@ std::string toText(const QString& text) {
     return _80BAEFCF_853E_40F2_B25F_0FB5B8F4D46F(text).toStdString();
 }
 
-void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses) {
-    setExample(command, example);
-    command.footer(command.get_footer() + "\n\nExit status: " + statuses + "\n");
-}
-
 const char* const kUsageStatus = "2 a usage error (an argument that is not what it says).";
 
 // ---- size ------------------------------------------------------------------------------------

@@ -111,19 +111,27 @@ int reportUsageError(const CLI::App& app, const CLI::ParseError& error,
     const CLI::App& command = *innermostCommand(app);
     std::string message = error.what();
     std::string word = firstUnexpected(message);
-    // CLI11 asks for an action before it names an unexpected word: name the mistyped action.
-    if (word.empty() && error.get_name() == "RequiredError" &&
-        !command.get_subcommands([](const CLI::App*) { return true; }).empty()) {
+    // CLI11 asks for an action before it names an unexpected word: name the mistyped action,
+    // or the actions to choose from when none was given.
+    const std::vector<std::string> actions = subcommandNames(command);
+    if (word.empty() && error.get_name() == "RequiredError" && !actions.empty()) {
         word = firstWordAfter(command, arguments);
+        if (word.empty()) {
+            std::string list;
+            for (const std::string& action : actions) {
+                list += (list.empty() ? "" : ", ") + action;
+            }
+            message = commandPrefix(command) + "an action is required (" + list + ")";
+        }
     }
     if (!word.empty()) {
         if (word.rfind("-", 0) == 0) {
             message =
                 commandPrefix(command) + "unknown option '" + word + "'" +
                 pallix::tool::didYouMean(word.substr(0, word.find('=')), optionNames(command));
-        } else if (!command.get_subcommands([](const CLI::App*) { return true; }).empty()) {
+        } else if (!actions.empty()) {
             message = commandPrefix(command) + "unknown command '" + word + "'" +
-                      pallix::tool::didYouMean(word, subcommandNames(command));
+                      pallix::tool::didYouMean(word, actions);
         }
     }
     pallix::tool::reportError(message);
