@@ -421,7 +421,7 @@ TEST_F(ConfigCommandsTest, HelpListsTheCommands) {
     }
 }
 
-TEST_F(ConfigCommandsTest, EveryHelpEndsWithAnExampleAndTheExitStatuses) {
+TEST_F(ConfigCommandsTest, EveryHelpGivesTheExitStatusesAndEndsWithAnExample) {
     for (const char* command :
          {"", "show", "get", "set", "list", "add", "remove", "clear", "dirs"}) {
         std::vector<std::string> arguments{"config"};
@@ -435,7 +435,7 @@ TEST_F(ConfigCommandsTest, EveryHelpEndsWithAnExampleAndTheExitStatuses) {
         const auto statuses = result.output.find("\nExit status: 0 ");
         EXPECT_NE(example, std::string::npos) << command << ":\n" << result.output;
         EXPECT_NE(statuses, std::string::npos) << command << ":\n" << result.output;
-        EXPECT_LT(example, statuses) << command;
+        EXPECT_LT(statuses, example) << command;
         EXPECT_TRUE(contains(result.output.substr(example), "pallix config")) << command;
     }
 }

@@ -169,12 +169,12 @@ TEST(DemoCommand, UnreadableDirectoriesAreClearErrors) {
     EXPECT_EQ(status, 0);
 }
 
-TEST(DemoCommand, HelpEndsWithAnExampleAndTheExitStatuses) {
+TEST(DemoCommand, HelpGivesTheExitStatusesAndEndsWithAnExample) {
     const auto result = runTool({"demo", "--help"});
     EXPECT_EQ(result.status, 0);
     const auto example = result.output.find("\nExample:\n  pallix demo");
     const auto statuses = result.output.find("\nExit status: 0 ");
     EXPECT_NE(example, std::string::npos) << result.output;
     EXPECT_NE(statuses, std::string::npos) << result.output;
-    EXPECT_LT(example, statuses);
+    EXPECT_LT(statuses, example);
 }

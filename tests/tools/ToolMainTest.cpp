@@ -45,14 +45,14 @@ TEST(ToolMain, RuntimeSubcommandLoadsTheLibrary) {
     EXPECT_NE(result.output.find("root ready"), std::string::npos) << result.output;
 }
 
-TEST(ToolMain, RuntimeHelpEndsWithAnExampleAndTheExitStatuses) {
+TEST(ToolMain, RuntimeHelpGivesTheExitStatusesAndEndsWithAnExample) {
     const auto result = runTool({"runtime", "--help"});
     EXPECT_EQ(result.status, 0);
     const auto example = result.output.find("\nExample:\n  pallix runtime");
     const auto statuses = result.output.find("\nExit status: 0 ");
     EXPECT_NE(example, std::string::npos) << result.output;
     EXPECT_NE(statuses, std::string::npos) << result.output;
-    EXPECT_LT(example, statuses);
+    EXPECT_LT(statuses, example);
 }
 
 TEST(ToolMain, HelpCommandNamesTheCommandFromTheTool) {

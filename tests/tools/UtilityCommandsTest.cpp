@@ -290,7 +290,7 @@ TEST(ToolPassword, ReadsTheTextAsUtf8) {
 
 // --- help -------------------------------------------------------------------------------------
 
-TEST(ToolUtilityHelp, EveryHelpEndsWithAnExampleAndTheExitStatuses) {
+TEST(ToolUtilityHelp, EveryHelpGivesTheExitStatusesAndEndsWithAnExample) {
     for (const char* command : {"size", "coord", "date", "password"}) {
         const ToolResult result = runTool({command, "--help"});
         EXPECT_EQ(result.status, 0) << command;
@@ -298,6 +298,6 @@ TEST(ToolUtilityHelp, EveryHelpEndsWithAnExampleAndTheExitStatuses) {
         const auto statuses = result.output.find("\nExit status: 0 ");
         EXPECT_NE(example, std::string::npos) << result.output;
         EXPECT_NE(statuses, std::string::npos) << result.output;
-        EXPECT_LT(example, statuses) << command;
+        EXPECT_LT(statuses, example) << command;
     }
 }

@@ -452,11 +452,9 @@ void registerDemoCommands(CLI::App& app) {
         ->add_option("--samples-dir", options->samplesDir,
                      "Directory of the sample files (default: the installed samples)")
         ->type_name("DIR");
-    setExample(*command, "pallix demo --config-dir /tmp/pallix-demo");
-    command->footer(command->get_footer() +
-                    "\n\nExit status: 0 every step worked; 1 a check failed (marked [!!]); 2 a "
-                    "usage error, or a directory that is missing (but --config-dir), not a "
-                    "directory, or cannot be read.\n");
+    finishHelp(*command, "pallix demo --config-dir /tmp/pallix-demo",
+               "0 every step worked; 1 a check failed (marked [!!]); 2 a usage error, or a "
+               "directory that is missing (but --config-dir), not a directory, or cannot be read.");
     command->callback([options] { runDemo(*options); });
 }
 

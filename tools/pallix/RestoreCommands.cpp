@@ -16,6 +16,7 @@
 #include "ToolOutput.h"
 #include "Values.h"
 
+#include <climits>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -49,17 +50,14 @@ struct FactoryOptions {
 // A device identifier as the user types it: 1 to 16 hexadecimal digits, with or without "0x",
 // not 0 (the store drops id 0 when it reads the file).
 unsigned long long parseDeviceId(const std::string& text) {
-    const bool prefixed = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
-    const std::string digits = prefixed ? text.substr(2) : text;
-    if (digits.empty() || digits.size() > 16 ||
-        digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
+    const std::optional<unsigned long long> id = parseUnsigned(text, ULLONG_MAX, Digits::Hex);
+    if (!id) {
         failUsage("'" + text + "' is not a device identifier (1 to 16 hexadecimal digits)");
     }
-    const unsigned long long id = std::stoull(digits, nullptr, 16);
-    if (id == 0) {
+    if (*id == 0) {
         failUsage("'" + text + "' is device 0, which the store does not read back");
     }
-    return id;
+    return *id;
 }
 
 std::string deviceName(unsigned long long id) {

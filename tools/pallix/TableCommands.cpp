@@ -12,11 +12,10 @@
 #include "PRuntimePluginMapping.h"
 #include "PRuntimeRestoreError.h"
 #include "ToolOutput.h"
+#include "Values.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
-#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -82,34 +81,10 @@ void answer(const Lookup& lookup, nlohmann::json document, const std::vector<Fie
     }
 }
 
-// A number as these tables hold one: decimal, or hexadecimal after "0x", with a minus only
-// when `minimum` is negative; nothing unless it lies within [minimum, maximum].
-std::optional<long long> parseNumber(const std::string& text, long long minimum,
-                                     long long maximum) {
-    const bool negative = !text.empty() && text[0] == '-';
-    const std::size_t start = negative ? 1 : 0;
-    const bool hex = text.compare(start, 2, "0x") == 0 || text.compare(start, 2, "0X") == 0;
-    const std::string digits = text.substr(start + (hex ? 2 : 0));
-    if (digits.empty() || digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "0123456789") !=
-                              std::string::npos) {
-        return std::nullopt;
-    }
-    errno = 0;
-    const unsigned long long magnitude = std::strtoull(digits.c_str(), nullptr, hex ? 16 : 10);
-    // The magnitude of the bound on this side, computed without overflowing.
-    const unsigned long long limit =
-        negative ? (minimum < 0 ? static_cast<unsigned long long>(-(minimum + 1)) + 1 : 0)
-                 : static_cast<unsigned long long>(maximum);
-    if (errno == ERANGE || magnitude > limit || (negative && minimum >= 0)) {
-        return std::nullopt;
-    }
-    return negative ? (magnitude == 0 ? 0 : -static_cast<long long>(magnitude - 1) - 1)
-                    : static_cast<long long>(magnitude);
-}
-
 long long numberArgument(const char* name, const std::string& text, long long minimum,
                          long long maximum) {
-    const std::optional<long long> value = parseNumber(text, minimum, maximum);
+    const std::optional<long long> value =
+        parseInteger(text, minimum, maximum, Digits::DecimalOrHex);
     if (!value) {
         failUsage(std::string(name) + ": '" + text + "' is not a whole number from " +
                   std::to_string(minimum) + " to " + std::to_string(maximum) +

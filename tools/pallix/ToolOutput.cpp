@@ -105,8 +105,7 @@ void endHelp(CLI::App& command, const std::string& notes, const std::string& exa
 }
 
 void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses) {
-    setExample(command, example);
-    command.footer(command.get_footer() + "\n\nExit status: " + statuses + "\n");
+    endHelp(command, "Exit status: " + statuses, example);
 }
 
 std::string describeXmlProblem(const std::string& path) {

@@ -40,7 +40,7 @@ std::string paint(Colour colour, const std::string& text, int fileDescriptor);
 void setExample(CLI::App& command, const std::string& example);
 // Ends a help screen with `notes` (what --json prints, the exit statuses), then the example.
 void endHelp(CLI::App& command, const std::string& notes, const std::string& example);
-// Ends a help screen with the example, then "Exit status: STATUSES".
+// Ends a help screen with "Exit status: STATUSES", then the example.
 void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses);
 
 // Describes why an XML file could not be used: missing, unreadable, or not well-formed

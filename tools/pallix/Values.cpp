@@ -10,10 +10,6 @@ namespace pallix::tool {
 
 namespace {
 
-bool allDigits(const std::string& text, std::size_t from) {
-    return from < text.size() && text.find_first_not_of("0123456789", from) == std::string::npos;
-}
-
 // The code point of the UTF-8 sequence at `at`, advancing past it; -1 for malformed bytes.
 long decodeUtf8(const std::string& text, std::size_t& at) {
     const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
@@ -56,35 +52,67 @@ std::string rangeText(long long minimum, long long maximum) {
     return "a whole number from " + std::to_string(minimum) + " to " + std::to_string(maximum);
 }
 
-} // namespace
+struct Magnitude {
+    bool negative = false;
+    unsigned long long value = 0;
+};
 
-std::optional<long long> parseInteger(const std::string& text, long long minimum,
-                                      long long maximum) {
-    const std::size_t digits = !text.empty() && text[0] == '-' ? 1 : 0;
-    if (!allDigits(text, digits)) {
+// The sign and magnitude of a whole number written as `digits` allows; nothing when the text
+// holds anything else or the magnitude exceeds 64 bits.
+std::optional<Magnitude> parseMagnitude(const std::string& text, Digits digits) {
+    Magnitude result;
+    std::size_t at = 0;
+    if (digits != Digits::Hex && !text.empty() && text[0] == '-') {
+        result.negative = true;
+        at = 1;
+    }
+    const bool prefixed = digits != Digits::Decimal && text.compare(at, 2, "0x") == 0;
+    const bool prefixedUpper = digits != Digits::Decimal && text.compare(at, 2, "0X") == 0;
+    const bool hex = prefixed || prefixedUpper || digits == Digits::Hex;
+    at += prefixed || prefixedUpper ? 2 : 0;
+    const char* const allowed = hex ? "0123456789abcdefABCDEF" : "0123456789";
+    if (at >= text.size() || text.find_first_not_of(allowed, at) != std::string::npos) {
         return std::nullopt;
     }
     errno = 0;
-    char* end = nullptr;
-    const long long value = std::strtoll(text.c_str(), &end, 10);
-    if (errno == ERANGE || *end != '\0' || value < minimum || value > maximum) {
+    result.value = std::strtoull(text.c_str() + at, nullptr, hex ? 16 : 10);
+    if (errno == ERANGE) {
+        return std::nullopt;
+    }
+    return result;
+}
+
+} // namespace
+
+std::optional<long long> parseInteger(const std::string& text, long long minimum, long long maximum,
+                                      Digits digits) {
+    const std::optional<Magnitude> number = parseMagnitude(text, digits);
+    if (!number) {
+        return std::nullopt;
+    }
+    // Compared as magnitudes, so that the bounds never overflow.
+    const unsigned long long limit =
+        number->negative ? (minimum < 0 ? static_cast<unsigned long long>(-(minimum + 1)) + 1 : 0)
+                         : (maximum < 0 ? 0 : static_cast<unsigned long long>(maximum));
+    if (number->value > limit || (!number->negative && maximum < 0)) {
+        return std::nullopt;
+    }
+    const long long value =
+        number->negative ? (number->value == 0 ? 0 : -static_cast<long long>(number->value - 1) - 1)
+                         : static_cast<long long>(number->value);
+    if (value < minimum || value > maximum) {
         return std::nullopt;
     }
     return value;
 }
 
-std::optional<unsigned long long> parseUnsigned(const std::string& text,
-                                                unsigned long long maximum) {
-    if (!allDigits(text, 0)) {
+std::optional<unsigned long long> parseUnsigned(const std::string& text, unsigned long long maximum,
+                                                Digits digits) {
+    const std::optional<Magnitude> number = parseMagnitude(text, digits);
+    if (!number || number->negative || number->value > maximum) {
         return std::nullopt;
     }
-    errno = 0;
-    char* end = nullptr;
-    const unsigned long long value = std::strtoull(text.c_str(), &end, 10);
-    if (errno == ERANGE || *end != '\0' || value > maximum) {
-        return std::nullopt;
-    }
-    return value;
+    return number->value;
 }
 
 std::optional<double> parseFiniteNumber(const std::string& text) {

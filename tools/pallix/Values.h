@@ -11,12 +11,16 @@
 // option, "nan" is a number), so every number and text of the tool goes through these.
 namespace pallix::tool {
 
-// A whole number written in decimal (an optional minus, then digits) within [minimum, maximum];
-// nothing for anything else, "+1", " 1" and "1.0" included.
-std::optional<long long> parseInteger(const std::string& text, long long minimum,
-                                      long long maximum);
-std::optional<unsigned long long> parseUnsigned(const std::string& text,
-                                                unsigned long long maximum);
+// How a whole number may be written: decimal digits; or also hexadecimal after "0x"; or
+// hexadecimal digits with or without "0x" (device identifiers).
+enum class Digits { Decimal, DecimalOrHex, Hex };
+
+// A whole number within [minimum, maximum], with an optional minus when `minimum` is negative;
+// nothing for anything else, "+1", " 1" and "1.0" included. The one integer parser of the tool.
+std::optional<long long> parseInteger(const std::string& text, long long minimum, long long maximum,
+                                      Digits digits = Digits::Decimal);
+std::optional<unsigned long long> parseUnsigned(const std::string& text, unsigned long long maximum,
+                                                Digits digits = Digits::Decimal);
 // A number that strtod reads in full and that is finite.
 std::optional<double> parseFiniteNumber(const std::string& text);
 
