@@ -1,9 +1,12 @@
 // "pallix demo": walks the application's typical road through the library's public interface,
 // on the sample files, and prints each step as a person would want to read it.
 
+#include "CloudFormat.h"
 #include "Commands.h"
+#include "ConfigurationFormat.h"
 #include "Directories.h"
 #include "Failure.h"
+#include "FileNames.h"
 #include "ToolOutput.h"
 
 #include "PallixRuntime.h"
@@ -156,29 +159,33 @@ void initialiseConfiguration(DemoPrinter& out, const std::string& configDir,
     config->initialize();
     out.line("configuration directory: " + configDir);
     if (config->newInstall()) {
-        out.line("a new installation: no configure.xml was there yet");
+        out.line(std::string("a new installation: no ") + format::kConfigurationFile +
+                 " was there yet");
     } else {
         out.line(config->newUpdate() ? "an existing installation, updated to this version"
                                      : "an existing installation, same version as last time");
     }
     const NString version = config->version();
     std::error_code ignored;
-    if (!std::filesystem::exists(resourcesDir + "/UpdateCfg.xml", ignored)) {
-        out.bad("no UpdateCfg.xml in " + resourcesDir + ": the running version falls back to " +
-                version.toStdString());
+    if (!std::filesystem::exists(resourcesDir + "/" + format::kVersionFile, ignored)) {
+        out.bad(std::string("no ") + format::kVersionFile + " in " + resourcesDir +
+                ": the running version falls back to " + version.toStdString());
     } else if (version.exist()) {
-        out.good("running version " + version.toStdString() +
-                 " (from the resources' UpdateCfg.xml)");
+        out.good("running version " + version.toStdString() + " (from the resources' " +
+                 format::kVersionFile + ")");
     } else {
         out.bad("no running version in the resources directory");
     }
     // The data root of the demo lives in its own directory, not in the user's home.
-    config->setConfigDirectory("Data", NString(configDir + "/Data"));
+    namespace configuration = format::configuration;
+    config->setConfigDirectory(configuration::kDataDirectory,
+                               NString(configDir + "/" + configuration::kDataDirectory));
     out.line("data root:        " + config->localRoot().toStdString());
     out.line("firmware cache:   " + config->localFirmwareArchiver().toStdString());
     out.line("downloads:        " + config->localDownload().toStdString());
     out.line("ringtones:        " + config->localRingtoneSave().toStdString());
-    out.line("backups:          " + config->getConfigDirectory("Backup").toStdString());
+    out.line("backups:          " +
+             config->getConfigDirectory(configuration::kBackupDirectory).toStdString());
 }
 
 void loadCloudDocument(DemoPrinter& out, const std::string& samples) {
@@ -190,10 +197,12 @@ void loadCloudDocument(DemoPrinter& out, const std::string& samples) {
     }
     out.good("cloud document loaded: " + samples + "/cloud.xml");
     const ReferenceTable tables[] = {
-        {"CPID", "cpid.xml", &PRuntimeCloud::application_hash_cpid},
-        {"CrashCode", "crash.xml", &PRuntimeCloud::application_hash_crash_code},
-        {"RestoreCode", "restore-error.xml", &PRuntimeCloud::application_hash_restore_code},
-        {"DeveloperPluginMapping", "plugin-mapping.xml",
+        {format::cloud::kReferenceCpid, "cpid.xml", &PRuntimeCloud::application_hash_cpid},
+        {format::cloud::kReferenceCrashCode, "crash.xml",
+         &PRuntimeCloud::application_hash_crash_code},
+        {format::cloud::kReferenceRestoreCode, "restore-error.xml",
+         &PRuntimeCloud::application_hash_restore_code},
+        {format::cloud::kReferencePluginMapping, "plugin-mapping.xml",
          &PRuntimeCloud::application_hash_developer_plugin_mapping},
     };
     for (const ReferenceTable& table : tables) {
@@ -396,7 +405,7 @@ void runDemo(const DemoOptions& options) {
         useResourcesDirectory(options.resourcesDir.empty() ? samples : options.resourcesDir);
     const bool temporary = options.configDir.empty();
     const std::string configDir = prepareConfigDirectory(options.configDir);
-    NApple::setBackupDirectory(NString(configDir + "/Backup"));
+    NApple::setBackupDirectory(NString(configDir + "/" + format::configuration::kBackupDirectory));
 
     DemoPrinter out;
     {
@@ -446,7 +455,8 @@ void registerDemoCommands(CLI::App& app) {
         ->type_name("DIR");
     command
         ->add_option("--resources-dir", options->resourcesDir,
-                     "Resources directory holding UpdateCfg.xml (default: the samples)")
+                     std::string("Resources directory holding ") + format::kVersionFile +
+                         " (default: the samples)")
         ->type_name("DIR");
     command
         ->add_option("--samples-dir", options->samplesDir,

@@ -1,6 +1,7 @@
 #include "Directories.h"
 
 #include "Failure.h"
+#include "FileNames.h"
 
 #include "NApplication.h"
 
@@ -19,9 +20,9 @@ namespace {
 const char* const kConfigHelp =
     "The configuration directory (default: the application's own, \"TolVane\" under "
     "$XDG_CONFIG_HOME or ~/.config; on macOS under ~/Library/Application Support)";
-const char* const kResourcesHelp =
-    "The resources directory, holding UpdateCfg.xml with the running version (default: the "
-    "application's own, beside the program)";
+const std::string kResourcesHelp =
+    std::string("The resources directory, holding ") + pallix::format::kVersionFile +
+    " with the running version (default: the application's own, beside the program)";
 
 } // namespace
 

@@ -1,6 +1,6 @@
-// "pallix factory" and "pallix ipsw": the factory information of devices ("Factory.json") and
-// the firmware files matched by hand to download addresses ("RestoreIpsw.xml") of a
-// configuration directory, listed and changed through the library's stores.
+// "pallix factory" and "pallix ipsw": the factory information of devices and the firmware files
+// matched by hand to download addresses of a configuration directory, listed and changed
+// through the library's stores.
 
 #include "Commands.h"
 
@@ -193,8 +193,8 @@ void factoryRemove(const FactoryOptions& options) {
 void registerFactory(CLI::App& app) {
     auto options = std::make_shared<FactoryOptions>();
     CLI::App* factory = app.add_subcommand(
-        "factory", "Factory information of devices, kept in the configuration directory "
-                   "(\"Factory.json\")");
+        "factory", "Factory information of devices, kept in the configuration directory (" +
+                       kFactoryFile.substr(1) + ")");
     factory->require_subcommand(1);
 
     CLI::App* list = factory->add_subcommand(
@@ -317,7 +317,8 @@ void registerIpsw(CLI::App& app) {
     auto options = std::make_shared<IpswOptions>();
     CLI::App* ipsw = app.add_subcommand(
         "ipsw", "Firmware files matched to download addresses, kept in the configuration "
-                "directory (\"RestoreIpsw.xml\")");
+                "directory (" +
+                    kIpswFile.substr(1) + ")");
     ipsw->require_subcommand(1);
 
     CLI::App* list = ipsw->add_subcommand(

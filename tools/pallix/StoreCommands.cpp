@@ -181,7 +181,8 @@ void registerNotify(CLI::App& app) {
     auto options = std::make_shared<NotifyOptions>();
     CLI::App* notify =
         app.add_subcommand("notify", "List, add or remove the notifications of a configuration "
-                                     "directory (\"notify.xml\")");
+                                     "directory (" +
+                                         kNotifyFile.substr(1) + ")");
     notify->require_subcommand(1);
 
     CLI::App* list = notify->add_subcommand(
@@ -309,8 +310,8 @@ void portbindRemove(const PortbindOptions& options) {
 void registerPortbind(CLI::App& app) {
     auto options = std::make_shared<PortbindOptions>();
     CLI::App* portbind = app.add_subcommand(
-        "portbind",
-        "List, add or remove the port bindings of a configuration directory (\"PortBind.xml\")");
+        "portbind", "List, add or remove the port bindings of a configuration directory (" +
+                        kPortbindFile.substr(1) + ")");
     portbind->require_subcommand(1);
 
     CLI::App* list = portbind->add_subcommand(

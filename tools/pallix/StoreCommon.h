@@ -18,7 +18,7 @@ void shareConfigDirectory(CLI::App& group, std::string& directory);
 // Ends the help of a command with its exit statuses and an example.
 void describeExits(CLI::App& command, const std::string& statuses, const std::string& example);
 
-// The store file `name` (as "/notify.xml") of the configuration directory given by the option
+// The store file `name` (with its leading "/") of the configuration directory given by the option
 // (or the application's own), after making sure that listing it lists what it holds: a file
 // the library cannot read fails with status 2.
 std::string readableStoreFile(const std::string& directoryOption, const std::string& name,
