@@ -299,7 +299,10 @@ TEST(CheckCommand, EverySampleFileIsClean) {
     std::vector<std::string> arguments{"check"};
     for (const auto& entry : std::filesystem::recursive_directory_iterator(PALLIX_SAMPLES_DIR)) {
         const std::string extension = entry.path().extension().string();
-        if (entry.is_regular_file() && (extension == ".xml" || extension == ".json")) {
+        // The restore versions are published with a release, but no reader of the library
+        // takes them: check has no kind for them.
+        const bool read = entry.path().filename() != "restore-version.xml";
+        if (read && entry.is_regular_file() && (extension == ".xml" || extension == ".json")) {
             arguments.push_back(entry.path().string());
         }
     }

@@ -68,14 +68,6 @@ std::vector<std::string> hashNames() {
     return names;
 }
 
-std::string hashNameList() {
-    std::string list;
-    for (const std::string& name : hashNames()) {
-        list += (list.empty() ? "" : ", ") + name;
-    }
-    return list;
-}
-
 std::string orNone(const NString& text) {
     return text.empty() ? std::string("(none)") : text.toStdString();
 }
@@ -312,7 +304,7 @@ void answerProcess(Answers& answers, const PRuntimeCloud& cloud, const std::stri
 void runCloud(const CloudOptions& options) {
     if (options.given("--hash") && hashQuery(options.hash) == nullptr) {
         failUsage("--hash: unknown reference file '" + options.hash + "' (one of " +
-                  hashNameList() + ")" + didYouMean(options.hash, hashNames()));
+                  joined(hashNames()) + ")" + didYouMean(options.hash, hashNames()));
     }
     const auto requireVersion = [&options](const char* option, const std::string& version) {
         if (options.given(option) && version.empty()) {
@@ -366,7 +358,7 @@ void registerCloudCommands(CLI::App& app) {
                  "driver versions and process rules, or answer queries against it");
     options->command = cloud;
     cloud->add_option("FILE", options->file, "The cloud document")->required();
-    cloud->add_option("--hash", options->hash, "Reference file entry: " + hashNameList());
+    cloud->add_option("--hash", options->hash, "Reference file entry: " + joined(hashNames()));
     cloud->add_option("--plugin", options->plugin, "Developer plug-in package of a version");
     cloud->add_option("--plugin-rvq", options->pluginRvq,
                       "Developer plug-in package of a version, RVQ list");

@@ -14,6 +14,7 @@ void registerStoreCommands(CLI::App& app);
 void registerRestoreCommands(CLI::App& app);
 void registerUtilityCommands(CLI::App& app);
 void registerCheckCommands(CLI::App& app);
+void registerReleaseCommands(CLI::App& app);
 void registerDemoCommands(CLI::App& app);
 
 } // namespace pallix::tool

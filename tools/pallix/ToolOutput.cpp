@@ -87,6 +87,14 @@ std::string paint(Colour colour, const std::string& text, int fileDescriptor) {
     return code + text + "\033[0m";
 }
 
+std::string joined(const std::vector<std::string>& texts) {
+    std::string list;
+    for (const std::string& text : texts) {
+        list += (list.empty() ? "" : ", ") + text;
+    }
+    return list;
+}
+
 void setExample(CLI::App& command, const std::string& example) {
     std::string lines =
         "\nExample" + std::string(example.find('\n') == std::string::npos ? "" : "s") + ":\n  ";

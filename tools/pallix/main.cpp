@@ -177,6 +177,7 @@ int main(int argc, char** argv) {
     pallix::tool::registerRestoreCommands(app);
     pallix::tool::registerUtilityCommands(app);
     pallix::tool::registerCheckCommands(app);
+    pallix::tool::registerReleaseCommands(app);
     pallix::tool::registerDemoCommands(app);
     std::vector<std::string> helpWords;
     registerHelpCommand(app, helpWords);
