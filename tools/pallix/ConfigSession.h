@@ -6,12 +6,15 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 class PRuntimeConfig;
 
+// What every "pallix config" action shares: its options, the shape of its help, and the
+// configuration started for it.
 namespace pallix::tool {
 
-// What every "pallix config" action takes, on the group and on the action alike.
+// Bound to the group and to every action alike, so an option may come before or after the action.
 struct ConfigOptions {
     Directories directories;
     bool force = false;
@@ -20,11 +23,23 @@ struct ConfigOptions {
 
 // Adds --config-dir, --resources-dir and --force to a command, bound to `options`.
 void addConfigOptions(CLI::App& command, ConfigOptions& options);
+// Adds an action to the group with those options (and --json where it prints values); its help
+// ends with the example and the exit statuses, followed by those that every start has.
+CLI::App& addConfigAction(CLI::App& group, ConfigOptions& options, const char* name,
+                          const std::string& description, const std::string& example,
+                          const std::string& statuses, bool json);
+// The statuses that every start of the configuration may end with.
+std::string startStatuses();
+
+// "A, B or C", for help texts that list what a table holds.
+std::string joined(const std::vector<std::string>& words, const char* last = "or");
+// The name --json gives to an element of the file: "CustomBackup" becomes "customBackup".
+std::string lowerCamel(std::string name);
 
 // The application's configuration, started for one command as the application starts it
-// (PRuntimeConfig::initialize(), which imports a legacy Config.xml once and then writes the
-// current file). The configuration directory stays locked until the session ends, so that the
-// tool's own changes take turns. A file that the start-up or the command's change would replace
+// (PRuntimeConfig::initialize(), which imports a legacy file once and then writes the current
+// one). The configuration directory stays locked until the session ends, so that the tool's
+// own changes take turns. A file that the start-up or the command's change would replace
 // without having read it is guarded first (FileGuard.h); a read-only command refuses a current
 // file that it cannot read as well, unless forced, since it would show start-up values as if
 // they were the file's.

@@ -1,278 +1,408 @@
 #include "ConfigSettings.h"
 
 #include "ConfigurationFormat.h"
+#include "Conversions.h"
 #include "Failure.h"
 #include "Suggestion.h"
+#include "ToolOutput.h"
 #include "Values.h"
 
 #include "PRuntimeConfig.h"
 
-#include <cctype>
-#include <cstdint>
+#include <algorithm>
+#include <functional>
+#include <iostream>
 #include <limits>
+#include <map>
+#include <optional>
 
 namespace pallix::tool::config {
 
 namespace {
 
-using nlohmann::json;
-
-using Parser = std::function<json(const std::string&)>;
-
-// The configuration file's reader keeps the two download limits, the language and the restore
-// engine as 32-bit numbers, whatever the setters take: a wider value would not survive the next
-// start, so it is refused here.
-Parser int32Parser(const std::string& name) {
-    return [name](const std::string& text) -> json {
-        const auto value = parseInteger(text, INT32_MIN, INT32_MAX);
-        if (!value) {
-            failUsage(name + ": '" + text + "' is not a whole number from " +
-                      std::to_string(INT32_MIN) + " to " + std::to_string(INT32_MAX) +
-                      " (the configuration is read back as a 32-bit number)");
-        }
-        return *value;
-    };
-}
-
-Parser uint64Parser(const std::string& name) {
-    return [name](const std::string& text) -> json {
-        const auto value = parseUnsigned(text, std::numeric_limits<unsigned long long>::max());
-        if (!value) {
-            failUsage(name + ": '" + text + "' is not a whole number from 0 to " +
-                      std::to_string(std::numeric_limits<unsigned long long>::max()) +
-                      " (an unsigned 64-bit number)");
-        }
-        return *value;
-    };
-}
-
-Parser textParser(const std::string& name) {
-    return [name](const std::string& text) -> json {
-        const std::string problem = xmlTextProblem(text);
-        if (!problem.empty()) {
-            failUsage(name + ": the value has " + problem);
-        }
-        return text;
-    };
-}
-
-Parser booleanParser(const std::string& name) {
-    return [name](const std::string& text) -> json {
-        std::string lower;
-        for (char c : text) {
-            lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        }
-        if (lower == "true" || lower == "yes" || lower == "on" || lower == "1") {
-            return true;
-        }
-        if (lower == "false" || lower == "no" || lower == "off" || lower == "0") {
-            return false;
-        }
-        failUsage(name + ": '" + text + "' is not a boolean (true or false)");
-    };
-}
-
-struct Preference {
-    const char* name;
-    std::function<json(PRuntimeConfig&)> get;
-    Parser parse;                                          // empty: found at start-up
-    std::function<void(PRuntimeConfig&, const json&)> set; // empty: found at start-up
-};
-
-const std::vector<Preference>& preferenceTable() {
-    static const std::vector<Preference> table{
-        {"Version", [](PRuntimeConfig& c) -> json { return c.version().toStdString(); }, {}, {}},
-        {"NewInstall", [](PRuntimeConfig& c) -> json { return c.newInstall(); }, {}, {}},
-        {"NewUpdate", [](PRuntimeConfig& c) -> json { return c.newUpdate(); }, {}, {}},
-        {"LastSkin", [](PRuntimeConfig& c) -> json { return c.getLastSkin().toStdString(); },
-         textParser("LastSkin"),
-         [](PRuntimeConfig& c, const json& v) { c.setLastSkin(NString(v.get<std::string>())); }},
-        {"PopupTimeADAPP", [](PRuntimeConfig& c) -> json { return c.getPopupTimeADAPP(); },
-         uint64Parser("PopupTimeADAPP"),
-         [](PRuntimeConfig& c, const json& v) {
-             c.setPopupTimeADAPP(v.get<unsigned long long>());
-         }},
-        {"SameTimeDownloadNumber",
-         [](PRuntimeConfig& c) -> json { return c.getSameTimeDownloadNumber(); },
-         int32Parser("SameTimeDownloadNumber"),
-         [](PRuntimeConfig& c, const json& v) { c.setSameTimeDownloadNumber(v.get<int>()); }},
-        {"DownloadMaxSpeed", [](PRuntimeConfig& c) -> json { return c.getDownloadMaxSpeed(); },
-         int32Parser("DownloadMaxSpeed"),
-         [](PRuntimeConfig& c, const json& v) { c.setDownloadMaxSpeed(v.get<long long>()); }},
-        {"LastLanguage",
-         [](PRuntimeConfig& c) -> json { return static_cast<int>(c.getLastLanguage()); },
-         int32Parser("LastLanguage"),
-         [](PRuntimeConfig& c, const json& v) {
-             c.setLastLanguage(EPALLIX_RUNTIME_LANGUAGE(v.get<int>()));
-         }},
-        {"RestoreCore",
-         [](PRuntimeConfig& c) -> json { return static_cast<int>(c.getRestoreCore()); },
-         int32Parser("RestoreCore"),
-         [](PRuntimeConfig& c, const json& v) {
-             c.setRestoreCore(EPALLIX_RUNTIME_RESTORE_CORE(v.get<int>()));
-         }},
-    };
-    return table;
-}
-
-std::vector<std::string> preferenceNames() {
-    std::vector<std::string> names;
-    for (const Preference& preference : preferenceTable()) {
-        names.emplace_back(preference.name);
-    }
-    return names;
-}
-
-const std::vector<std::string>& families() {
-    static const std::vector<std::string> names{"Status", "Tools", "AutoImport", "Directory"};
-    return names;
-}
-
-Setting preferenceSetting(PRuntimeConfig* config, const std::string& key) {
-    for (const Preference& preference : preferenceTable()) {
-        if (key != preference.name) {
-            continue;
-        }
-        Setting setting{key, std::nullopt, preference.parse, {}, {}};
-        if (config != nullptr) {
-            setting.current = preference.get(*config);
-            if (preference.set) {
-                setting.store = [config, set = preference.set](const json& value) {
-                    set(*config, value);
-                };
-            }
-        }
-        return setting;
-    }
-    failUsage("unknown key '" + key +
-              "' (a preference, Version, NewInstall, NewUpdate, or Status/NAME, Tools/NAME, "
-              "AutoImport/Ringtone, Directory/NAME)" +
-              didYouMean(key, preferenceNames()));
-}
-
-// The names and values of a family, as its traversal gives them.
+namespace cfg = format::configuration;
+using json = nlohmann::ordered_json;
+using C = PRuntimeConfig;
 using Entries = std::vector<std::pair<std::string, json>>;
 
-Entries
-flagEntries(const std::function<void(const std::function<void(const NString&, bool)>&)>& traverse) {
-    Entries entries;
-    traverse([&entries](const NString& name, bool value) {
-        entries.emplace_back(name.toStdString(), value);
-    });
-    return entries;
+// The library's values as JSON and back: text as strings, numbers and flags as themselves, the
+// enumerations as the numbers that the file keeps.
+json toJson(const NString& text) {
+    return text.toStdString();
+}
+template <typename Value> json toJson(const Value& value) {
+    return value;
+}
+template <typename Value> Value fromJson(const json& value) {
+    return value.get<Value>();
+}
+template <> NString fromJson<NString>(const json& value) {
+    return NString(value.get<std::string>());
 }
 
-Entries familyEntries(PRuntimeConfig& config, const std::string& family) {
-    if (family == "Status") {
-        return flagEntries([&config](const auto& visit) { config.settingStatusTraverse(visit); });
+json parseFlag(const std::string& key, const std::string& text) {
+    static const std::map<std::string, bool> words{{"true", true}, {"yes", true},    {"on", true},
+                                                   {"1", true},    {"false", false}, {"no", false},
+                                                   {"off", false}, {"0", false}};
+    std::string lower = text;
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const auto word = words.find(lower);
+    if (word == words.end()) {
+        failUsage(key + ": '" + text + "' is not a boolean (true or false)");
     }
-    if (family == "Tools") {
-        return flagEntries([&config](const auto& visit) { config.toolsHotTraverse(visit); });
-    }
-    Entries entries;
-    config.configDirectoryTraverse([&entries](const NString& name, const NString& path) {
-        entries.emplace_back(name.toStdString(), path.toStdString());
-    });
-    return entries;
+    return word->second;
 }
 
-Setting familySetting(PRuntimeConfig* config, const std::string& key, const std::string& family,
-                      const std::string& name) {
-    const std::string problem = xmlTextProblem(name);
-    if (!problem.empty()) {
-        failUsage("the name in '" + key + "' has " + problem);
-    }
-    if (family == "AutoImport" && name != "Ringtone") {
-        failUsage("unknown key '" + key + "': AutoImport holds only Ringtone");
-    }
-    Setting setting{
-        key, std::nullopt, family == "Directory" ? textParser(key) : booleanParser(key), {}, {}};
-    if (config == nullptr) {
-        return setting;
-    }
-    PRuntimeConfig& c = *config;
-    if (family == "AutoImport") {
-        // The library answers a documented default for Ringtone, stored or not.
-        setting.current = c.getAutoImportRingtone();
-        setting.store = [&c](const json& value) { c.setAutoImportRingtone(value.get<bool>()); };
-        return setting;
-    }
-    for (const auto& [stored, value] : familyEntries(c, family)) {
-        setting.neighbours.push_back(stored);
-        if (stored == name) {
-            setting.current = value;
+// The reader keeps each number at its width, whatever the setter takes: a wider value would not
+// survive the next start, so it is refused here; text must be something XML can carry.
+json parseValue(const std::string& key, cfg::Width width, const std::string& text) {
+    constexpr unsigned long long kUInt64Max = std::numeric_limits<unsigned long long>::max();
+    if (width == cfg::Width::Text) {
+        const std::string problem = xmlTextProblem(text);
+        if (!problem.empty()) {
+            failUsage(key + ": the value has " + problem);
         }
+        return text;
     }
-    if (family == "Status") {
-        // A known setting answers with its default even when it was never stored.
-        for (const std::string& known : knownSettings()) {
-            setting.neighbours.push_back(known);
-            if (known == name && !setting.current) {
-                setting.current = c.getSettingStatus(NString(name));
-            }
+    if (width == cfg::Width::UInt64) {
+        if (const auto value = parseUnsigned(text, kUInt64Max)) {
+            return *value;
         }
-        setting.store = [&c, name](const json& value) {
-            c.setSettingStatus(NString(name), value.get<bool>());
-        };
-    } else if (family == "Tools") {
-        setting.store = [&c, name](const json& value) {
-            c.setToolsHot(NString(name), value.get<bool>());
-        };
-    } else {
-        setting.store = [&c, name](const json& value) {
-            c.setConfigDirectory(NString(name), NString(value.get<std::string>()));
-        };
+        failUsage(key + ": '" + text + "' is not a whole number from 0 to " +
+                  std::to_string(kUInt64Max) + " (an unsigned 64-bit number)");
     }
-    return setting;
+    if (const auto value = parseInteger(text, format::kInt32Min, format::kInt32Max)) {
+        return *value;
+    }
+    failUsage(key + ": '" + text + "' is not a whole number from " +
+              std::to_string(format::kInt32Min) + " to " + std::to_string(format::kInt32Max) +
+              " (the configuration is read back as a 32-bit number)");
 }
 
-} // namespace
+// A key without a family: a preference, or a fact that start-up finds (which cannot be set).
+struct Scalar {
+    std::string name;
+    std::function<json(C&)> get;
+    std::function<void(C&, const json&)> set = {};
+    cfg::Width width = cfg::Width::Text;
+};
 
-const std::vector<std::string>& knownSettings() {
-    // getSettingStatus() answers these by name even before one is stored.
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> list;
-        for (const auto& setting : format::configuration::kKnownSettings) {
-            list.emplace_back(setting.name);
+template <typename Value> std::function<json(C&)> getter(Value (C::*get)()) {
+    return [get](C& config) { return toJson((config.*get)()); };
+}
+
+template <typename Value, typename Argument>
+Scalar preference(Value (C::*get)(), void (C::*set)(Argument)) {
+    return {{}, getter(get), [set](C& config, const json& value) {
+                (config.*set)(fromJson<std::decay_t<Argument>>(value));
+            }};
+}
+
+const std::vector<Scalar>& scalars() {
+    static const std::vector<Scalar> table = [] {
+        std::vector<Scalar> list{{"Version", getter(&C::version)},
+                                 {"NewInstall", getter(&C::newInstall)},
+                                 {"NewUpdate", getter(&C::newUpdate)}};
+        // The library's accessors of each preference, by the element that keeps it in the file.
+        const std::map<std::string, Scalar> accessors{
+            {cfg::kPopupTimeADAPP, preference(&C::getPopupTimeADAPP, &C::setPopupTimeADAPP)},
+            {cfg::kSameTimeDownloadNumber,
+             preference(&C::getSameTimeDownloadNumber, &C::setSameTimeDownloadNumber)},
+            {cfg::kDownloadMaxSpeed, preference(&C::getDownloadMaxSpeed, &C::setDownloadMaxSpeed)},
+            {cfg::kLastSkin, preference(&C::getLastSkin, &C::setLastSkin)},
+            {cfg::kLastLanguage, preference(&C::getLastLanguage, &C::setLastLanguage)},
+            {cfg::kRestoreCore, preference(&C::getRestoreCore, &C::setRestoreCore)}};
+        for (const cfg::Preference& preference : cfg::kPreferences) {
+            list.push_back(accessors.at(preference.element));
+            list.back().name = preference.element;
+            list.back().width = preference.width;
         }
         return list;
     }();
+    return table;
+}
+
+// A map, whose keys are FAMILY/NAME. The application answers for the known names even when
+// they were never stored; a map that cannot be traversed holds nothing else.
+struct Family {
+    const char* name;
+    std::vector<std::string> known;
+    std::function<json(C&, const NString&)> get; // of a known name
+    std::function<void(C&, Entries&)> traverse;
+    std::function<void(C&, const NString&, const json&)> set;
+    bool paths = false; // holds paths; the others hold flags
+};
+
+// Collects what a traversal of the library visits.
+auto into(Entries& entries) {
+    return [&entries](const NString& name, const auto& value) {
+        entries.emplace_back(name.toStdString(), toJson(value));
+    };
+}
+
+template <typename Value> auto setter(void (C::*set)(const NString&, Value)) {
+    return [set](C& config, const NString& name, const json& value) {
+        (config.*set)(name, fromJson<std::decay_t<Value>>(value));
+    };
+}
+
+std::vector<std::string> knownSettings() {
+    std::vector<std::string> names;
+    for (const cfg::KnownSetting& setting : cfg::kKnownSettings) {
+        names.emplace_back(setting.name);
+    }
     return names;
 }
 
-Setting resolveSetting(PRuntimeConfig* config, const std::string& key) {
+const std::vector<Family>& families() {
+    static const std::vector<Family> table{
+        {cfg::kStatus, knownSettings(),
+         [](C& c, const NString& name) -> json { return c.getSettingStatus(name); },
+         [](C& c, Entries& entries) { c.settingStatusTraverse(into(entries)); },
+         setter(&C::setSettingStatus)},
+        {cfg::kTools,
+         {},
+         nullptr,
+         [](C& c, Entries& entries) { c.toolsHotTraverse(into(entries)); },
+         setter(&C::setToolsHot)},
+        {cfg::kAutoImport,
+         {cfg::kRingtone},
+         [](C& c, const NString&) -> json { return c.getAutoImportRingtone(); },
+         nullptr,
+         [](C& c, const NString&, const json& on) { c.setAutoImportRingtone(on.get<bool>()); }},
+        {cfg::kDirectory,
+         {},
+         nullptr,
+         [](C& c, Entries& entries) { c.configDirectoryTraverse(into(entries)); },
+         setter(&C::setConfigDirectory),
+         true}};
+    return table;
+}
+
+bool holds(const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+std::vector<std::string> scalarNames(bool settable) {
+    std::vector<std::string> names;
+    for (const Scalar& scalar : scalars()) {
+        if (bool(scalar.set) == settable) {
+            names.push_back(scalar.name);
+        }
+    }
+    return names;
+}
+
+// The maps' names, or their keys: "Status/NAME", "AutoImport/Ringtone".
+std::vector<std::string> familyNames(bool keys) {
+    std::vector<std::string> names;
+    for (const Family& family : families()) {
+        names.emplace_back(family.name);
+        if (keys) {
+            names.back() += "/" + (family.traverse ? "NAME" : joined(family.known));
+        }
+    }
+    return names;
+}
+
+std::string keysHelp() {
+    return "a preference (" + joined(scalarNames(true)) + "), a fact of start-up (" +
+           joined(scalarNames(false)) + "), or " + joined(familyNames(true));
+}
+
+// What a key names in the configuration (nothing when no configuration is given: a command
+// checks its arguments before it starts one), and how a new value is read and stored.
+struct Setting {
+    std::optional<json> current = {}; // nothing: an entry that the map does not hold
+    std::function<json(const std::string&)> parse = {}; // none: a fact of start-up
+    std::function<void(const json&)> store = {};
+    std::vector<std::string> neighbours = {}; // the names that the key's map holds
+    std::string note = {};                    // said when a new entry has been stored
+};
+
+Setting resolve(C* config, const std::string& key) {
     const auto slash = key.find('/');
     if (slash == std::string::npos) {
-        return preferenceSetting(config, key);
+        for (const Scalar& scalar : scalars()) {
+            if (scalar.name != key) {
+                continue;
+            }
+            Setting setting;
+            if (config != nullptr) {
+                setting.current = scalar.get(*config);
+            }
+            if (scalar.set) {
+                setting.parse = [key, width = scalar.width](const std::string& text) {
+                    return parseValue(key, width, text);
+                };
+                setting.store = [config, set = scalar.set](const json& value) {
+                    set(*config, value);
+                };
+            }
+            return setting;
+        }
+        std::vector<std::string> keys = scalarNames(true);
+        const std::vector<std::string> facts = scalarNames(false);
+        keys.insert(keys.end(), facts.begin(), facts.end());
+        failUsage("unknown key '" + key + "': a key is " + keysHelp() + didYouMean(key, keys));
     }
     const std::string family = key.substr(0, slash);
     const std::string name = key.substr(slash + 1);
-    bool known = false;
-    for (const std::string& candidate : families()) {
-        known = known || candidate == family;
-    }
-    if (!known) {
-        failUsage("unknown key '" + key + "': no family '" + family +
-                  "' (Status, Tools, AutoImport or Directory)" + didYouMean(family, families()));
+    const auto found = std::find_if(families().begin(), families().end(),
+                                    [&family](const Family& f) { return family == f.name; });
+    if (found == families().end()) {
+        failUsage("unknown key '" + key + "': no family '" + family + "' (" +
+                  joined(familyNames(false)) + ")" + didYouMean(family, familyNames(false)));
     }
     if (name.empty()) {
         failUsage("unknown key '" + key + "': a name must follow '" + family + "/'");
     }
-    return familySetting(config, key, family, name);
+    const std::string problem = xmlTextProblem(name);
+    if (!problem.empty()) {
+        failUsage("the name in '" + key + "' has " + problem);
+    }
+    const bool known = holds(found->known, name);
+    if (!found->traverse && !known) {
+        failUsage("unknown key '" + key + "': " + family + " holds only " + joined(found->known));
+    }
+    Setting setting;
+    setting.parse = [key, paths = found->paths](const std::string& text) {
+        return paths ? parseValue(key, cfg::Width::Text, text) : parseFlag(key, text);
+    };
+    if (config == nullptr) {
+        return setting;
+    }
+    Entries stored;
+    if (found->traverse) {
+        found->traverse(*config, stored);
+    }
+    for (const auto& [storedName, value] : stored) {
+        setting.neighbours.push_back(storedName);
+        setting.current = storedName == name ? value : setting.current;
+    }
+    setting.neighbours.insert(setting.neighbours.end(), found->known.begin(), found->known.end());
+    if (known) {
+        setting.current = found->get(*config, NString(name));
+    } else if (!setting.current && !found->known.empty()) {
+        setting.note = "'" + name + "' is not a setting that the application knows" +
+                       didYouMean(name, found->known);
+    }
+    setting.store = [config, set = found->set, name](const json& value) {
+        set(*config, NString(name), value);
+    };
+    return setting;
 }
 
-std::string plainText(const nlohmann::json& value) {
+void get(const ConfigOptions& options, const std::string& key) {
+    resolve(nullptr, key);
+    ConfigSession session(options, false);
+    const Setting setting = resolve(&session.config(), key);
+    if (!setting.current) {
+        failNotFound(key + ": not found; the configuration holds no such name" +
+                     didYouMean(key.substr(key.find('/') + 1), setting.neighbours));
+    }
+    if (options.json) {
+        printJson(json{{"key", key}, {"value", *setting.current}});
+    } else {
+        std::cout << plainText(*setting.current) << '\n';
+    }
+}
+
+void set(const ConfigOptions& options, const std::string& key, const std::string& text) {
+    // The key and the value are checked before anything starts: a refused command changes
+    // nothing, not even by the start-up's import.
+    const Setting checked = resolve(nullptr, key);
+    if (!checked.parse) {
+        failUsage("'" + key + "' is found at start-up and cannot be set");
+    }
+    const json value = checked.parse(text);
+
+    ConfigSession session(options, true);
+    const Setting setting = resolve(&session.config(), key);
+    if (setting.current == value) {
+        std::cout << key << ": already " << plainText(value) << "; nothing changed\n";
+        return;
+    }
+    setting.store(value);
+    session.requireWritten();
+    std::cout << key << ": " << plainText(value)
+              << (setting.current ? " (was " + plainText(*setting.current) + ")" : " (new)")
+              << '\n';
+    if (!setting.note.empty()) {
+        reportNote(setting.note);
+    }
+}
+
+} // namespace
+
+void addSettings(PRuntimeConfig& config, nlohmann::ordered_json& document) {
+    // The facts come first in the table, and so before the preferences in the document.
+    for (const Scalar& scalar : scalars()) {
+        (scalar.set ? document["preferences"][scalar.name] : document[lowerCamel(scalar.name)]) =
+            scalar.get(config);
+    }
+    for (const Family& family : families()) {
+        // The known names first, with what the application answers for them, then the others.
+        json& values = document[lowerCamel(family.name)] = json::object();
+        Entries stored;
+        if (family.traverse) {
+            family.traverse(config, stored);
+        }
+        for (const std::string& name : family.known) {
+            values[name] = family.get(config, NString(name));
+        }
+        for (const auto& [name, value] : stored) {
+            if (!holds(family.known, name)) {
+                values[name] = value;
+            }
+        }
+    }
+}
+
+std::string plainText(const nlohmann::ordered_json& value) {
     return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-std::vector<std::pair<std::string, nlohmann::json>> preferences(PRuntimeConfig& config) {
-    std::vector<std::pair<std::string, nlohmann::json>> values;
-    for (const Preference& preference : preferenceTable()) {
-        if (preference.set) {
-            values.emplace_back(preference.name, preference.get(config));
+void addSettingActions(CLI::App& group, ConfigOptions& options) {
+    static std::string key;
+    static std::string value;
+    CLI::App& getCommand = addConfigAction(
+        group, options, "get",
+        "Print one value: " + keysHelp() +
+            ". A name that the configuration does not hold is not found; the settings that the "
+            "application knows are found with their defaults. With --json: {\"key\": KEY, "
+            "\"value\": VALUE}, the value a string, a number or a boolean.",
+        std::string("pallix config get ") + cfg::kStatus + "/" + cfg::kSettingITunesAutorun,
+        "0 printed; 1 the configuration holds no such name", true);
+    getCommand.add_option("key", key, "What to print")->required();
+    getCommand.callback([&options] { get(options, key); });
+
+    std::vector<std::string> keys = familyNames(true);
+    std::vector<std::string> narrow;
+    std::vector<std::string> wide;
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        keys[i] += families()[i].paths ? " (a path)" : " (true or false)";
+    }
+    for (const cfg::Preference& preference : cfg::kPreferences) {
+        if (preference.width != cfg::Width::Text) {
+            (preference.width == cfg::Width::Int32 ? narrow : wide)
+                .emplace_back(preference.element);
         }
     }
-    return values;
+    CLI::App& setCommand = addConfigAction(
+        group, options, "set",
+        "Change a preference, or " + joined(keys) +
+            ". Numbers are refused beyond what the configuration keeps when it is read again: "
+            "32 bits for " +
+            joined(narrow, "and") + ", unsigned 64 bits for " + joined(wide, "and") +
+            ". Prints what changed.",
+        std::string("pallix config set ") + cfg::kStatus + "/" + cfg::kSettingKeepFirmwareCache +
+            " false",
+        "0 changed, or already so (nothing written); 1 the change could not be written", false);
+    setCommand.add_option("key", key, "What to change")->required();
+    setCommand.add_option("value", value, "The new value")->required();
+    setCommand.callback([&options] { set(options, key, value); });
 }
 
 } // namespace pallix::tool::config
