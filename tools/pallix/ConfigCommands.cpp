@@ -116,40 +116,37 @@ void printDirectories(PRuntimeConfig& config, bool json) {
 
 void registerConfigCommands(CLI::App& app) {
     static ConfigOptions options;
-    CLI::App& group = *app.add_subcommand(
-        "config", std::string("Show and change the application's configuration. Every command "
-                              "starts the configuration as the application does, which imports "
-                              "a legacy ") +
-                      format::kLegacyConfigurationFile +
-                      " once; a change is saved at once, and a command that changes nothing "
-                      "writes nothing.");
+    CLI::App& group = addConfigCommand(
+        app, options, "config",
+        std::string("Show and change the application's configuration. Every command starts the "
+                    "configuration as the application does, which imports a legacy ") +
+            format::kLegacyConfigurationFile +
+            " once; a change is saved at once, and a command that changes nothing writes "
+            "nothing.",
+        std::string("pallix config --config-dir ~/.config/TolVane show\npallix config set ") +
+            cfg::kDownloadMaxSpeed + " 1048576",
+        "0 success; 1 not found, or a change that could not be written");
     group.require_subcommand(1);
-    addConfigOptions(group, options);
-    finishHelp(group,
-               std::string("pallix config --config-dir ~/.config/TolVane show\n"
-                           "pallix config set ") +
-                   cfg::kDownloadMaxSpeed + " 1048576",
-               "0 success; 1 not found, or a change that could not be written; " + startStatuses());
 
-    addConfigAction(group, options, "show",
-                    "Print the whole configuration. With --json: an object with configDirectory, "
-                    "configFile, version, newInstall, newUpdate, preferences (by name), status, "
-                    "tools, autoImport and directory (objects by name), and customBackup, "
-                    "fileFavorites, virtualLocation and locationFavorites (arrays of the entries "
-                    "that 'list --json' prints).",
-                    "pallix config show --json", "0 printed", true)
+    addConfigCommand(group, options, "show",
+                     "Print the whole configuration. With --json: an object with configDirectory, "
+                     "configFile, version, newInstall, newUpdate, preferences (by name), status, "
+                     "tools, autoImport and directory (objects by name), and customBackup, "
+                     "fileFavorites, virtualLocation and locationFavorites (arrays of the entries "
+                     "that 'list --json' prints).",
+                     "pallix config show --json", "0 printed", true)
         .callback([] {
             ConfigSession session(options, false);
             show(session, options.json);
         });
     config::addSettingActions(group, options);
     config::addListActions(group, options);
-    addConfigAction(group, options, "dirs",
-                    "Print the named directories and the working directories under the data "
-                    "root, creating the working directories as the application does. With "
-                    "--json: {\"directory\": {NAME: PATH}, \"working\": {\"localRoot\": PATH, "
-                    "...}}.",
-                    "pallix config dirs --json", "0 printed", true)
+    addConfigCommand(group, options, "dirs",
+                     "Print the named directories and the working directories under the data "
+                     "root, creating the working directories as the application does. With "
+                     "--json: {\"directory\": {NAME: PATH}, \"working\": {\"localRoot\": PATH, "
+                     "...}}.",
+                     "pallix config dirs --json", "0 printed", true)
         .callback([] {
             ConfigSession session(options, false);
             printDirectories(session.config(), options.json);

@@ -310,7 +310,7 @@ void addListActions(CLI::App& group, ConfigOptions& options) {
         removing.push_back(list.name + (" " + usage(list, false)));
     }
 
-    CLI::App& listCommand = addConfigAction(
+    CLI::App& listCommand = addConfigCommand(
         group, options, "list",
         "Print a list, one entry per line, its fields separated by a tab (a flag as its name or "
         "'-'). With --json: {\"list\": NAME, \"entries\": [...]}, each entry {\"" +
@@ -331,7 +331,7 @@ void addListActions(CLI::App& group, ConfigOptions& options) {
         }
     });
 
-    CLI::App& addCommand = addConfigAction(
+    CLI::App& addCommand = addConfigCommand(
         group, options, "add",
         "Add to a list: " + joined(adding, "and") +
             ". A place that is there already (same X and Y) is renamed and moved to the end, as "
@@ -341,7 +341,7 @@ void addListActions(CLI::App& group, ConfigOptions& options) {
         "0 added, renamed, moved, or already there (nothing written); 1 a file favourite there "
         "with the other root flag (nothing written), or a change that could not be written",
         false);
-    CLI::App& removeCommand = addConfigAction(
+    CLI::App& removeCommand = addConfigCommand(
         group, options, "remove",
         "Remove from a list: " + joined(removing, "and") +
             ". The root flag must match; places are given exactly as 'list' prints them.",
@@ -362,7 +362,7 @@ void addListActions(CLI::App& group, ConfigOptions& options) {
         });
     }
 
-    CLI::App& clearCommand = addConfigAction(
+    CLI::App& clearCommand = addConfigCommand(
         group, options, "clear", "Empty a place list: " + joined(listNames(true)) + ".",
         std::string("pallix config clear ") + cfg::kVirtualLocation,
         "0 cleared, or already empty (nothing written); 1 a change that could not be written",

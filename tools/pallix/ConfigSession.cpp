@@ -34,7 +34,10 @@ void diagnoseVersionFile(const std::string& resources) {
 
 } // namespace
 
-void addConfigOptions(CLI::App& command, ConfigOptions& options) {
+CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char* name,
+                           const std::string& description, const std::string& example,
+                           const std::string& statuses, bool json) {
+    CLI::App& command = *parent.add_subcommand(name, description);
     addConfigDirectoryOption(command, options.directories.config);
     addResourcesDirectoryOption(command, options.directories.resources);
     command.add_flag("--force", options.force,
@@ -43,23 +46,13 @@ void addConfigOptions(CLI::App& command, ConfigOptions& options) {
                          format::kLegacyConfigurationFile +
                          ", replaces it (its content is lost); a command that only reads shows "
                          "the start-up values");
-}
-
-CLI::App& addConfigAction(CLI::App& group, ConfigOptions& options, const char* name,
-                          const std::string& description, const std::string& example,
-                          const std::string& statuses, bool json) {
-    CLI::App& action = *group.add_subcommand(name, description);
-    addConfigOptions(action, options);
     if (json) {
-        addJsonFlag(action, options.json);
+        addJsonFlag(command, options.json);
     }
-    finishHelp(action, example, statuses + "; " + startStatuses());
-    return action;
-}
-
-std::string startStatuses() {
-    return "2 a usage error, a directory that cannot be used, or a configuration file that "
-           "cannot be read as it is (see --force).";
+    finishHelp(command, example,
+               statuses + "; 2 a usage error, a directory that cannot be used, or a "
+                          "configuration file that cannot be read as it is (see --force).");
+    return command;
 }
 
 std::string joined(const std::vector<std::string>& words, const char* last) {

@@ -10,8 +10,8 @@
 
 class PRuntimeConfig;
 
-// What every "pallix config" action shares: its options, the shape of its help, and the
-// configuration started for it.
+// What the "pallix config" commands share: their options, the shape of their help, the words
+// their help texts are made of, and the configuration started for each.
 namespace pallix::tool {
 
 // Bound to the group and to every action alike, so an option may come before or after the action.
@@ -21,15 +21,12 @@ struct ConfigOptions {
     bool json = false;
 };
 
-// Adds --config-dir, --resources-dir and --force to a command, bound to `options`.
-void addConfigOptions(CLI::App& command, ConfigOptions& options);
-// Adds an action to the group with those options (and --json where it prints values); its help
-// ends with the example and the exit statuses, followed by those that every start has.
-CLI::App& addConfigAction(CLI::App& group, ConfigOptions& options, const char* name,
-                          const std::string& description, const std::string& example,
-                          const std::string& statuses, bool json);
-// The statuses that every start of the configuration may end with.
-std::string startStatuses();
+// Adds the group (to the tool) or an action (to the group) with --config-dir, --resources-dir,
+// --force and, where it prints values, --json. Its help ends with the example, then with the
+// exit statuses followed by those that every start of the configuration may end with.
+CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char* name,
+                           const std::string& description, const std::string& example,
+                           const std::string& statuses, bool json = false);
 
 // "A, B or C", for help texts that list what a table holds.
 std::string joined(const std::vector<std::string>& words, const char* last = "or");

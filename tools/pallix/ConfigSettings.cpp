@@ -55,7 +55,7 @@ json parseFlag(const std::string& key, const std::string& text) {
 }
 
 // The reader keeps each number at its width, whatever the setter takes: a wider value would not
-// survive the next start, so it is refused here; text must be something XML can carry.
+// survive the next start, so it is refused here. Text must be something XML can carry.
 json parseValue(const std::string& key, cfg::Width width, const std::string& text) {
     constexpr unsigned long long kUInt64Max = std::numeric_limits<unsigned long long>::max();
     if (width == cfg::Width::Text) {
@@ -80,11 +80,12 @@ json parseValue(const std::string& key, cfg::Width width, const std::string& tex
               " (the configuration is read back as a 32-bit number)");
 }
 
-// A key without a family: a preference, or a fact that start-up finds (which cannot be set).
+// ---- the keys without a family: the preferences, and the facts that start-up finds
+
 struct Scalar {
     std::string name;
     std::function<json(C&)> get;
-    std::function<void(C&, const json&)> set = {};
+    std::function<void(C&, const json&)> set = {}; // none: a fact, which cannot be set
     cfg::Width width = cfg::Width::Text;
 };
 
@@ -123,67 +124,6 @@ const std::vector<Scalar>& scalars() {
     return table;
 }
 
-// A map, whose keys are FAMILY/NAME. The application answers for the known names even when
-// they were never stored; a map that cannot be traversed holds nothing else.
-struct Family {
-    const char* name;
-    std::vector<std::string> known;
-    std::function<json(C&, const NString&)> get; // of a known name
-    std::function<void(C&, Entries&)> traverse;
-    std::function<void(C&, const NString&, const json&)> set;
-    bool paths = false; // holds paths; the others hold flags
-};
-
-// Collects what a traversal of the library visits.
-auto into(Entries& entries) {
-    return [&entries](const NString& name, const auto& value) {
-        entries.emplace_back(name.toStdString(), toJson(value));
-    };
-}
-
-template <typename Value> auto setter(void (C::*set)(const NString&, Value)) {
-    return [set](C& config, const NString& name, const json& value) {
-        (config.*set)(name, fromJson<std::decay_t<Value>>(value));
-    };
-}
-
-std::vector<std::string> knownSettings() {
-    std::vector<std::string> names;
-    for (const cfg::KnownSetting& setting : cfg::kKnownSettings) {
-        names.emplace_back(setting.name);
-    }
-    return names;
-}
-
-const std::vector<Family>& families() {
-    static const std::vector<Family> table{
-        {cfg::kStatus, knownSettings(),
-         [](C& c, const NString& name) -> json { return c.getSettingStatus(name); },
-         [](C& c, Entries& entries) { c.settingStatusTraverse(into(entries)); },
-         setter(&C::setSettingStatus)},
-        {cfg::kTools,
-         {},
-         nullptr,
-         [](C& c, Entries& entries) { c.toolsHotTraverse(into(entries)); },
-         setter(&C::setToolsHot)},
-        {cfg::kAutoImport,
-         {cfg::kRingtone},
-         [](C& c, const NString&) -> json { return c.getAutoImportRingtone(); },
-         nullptr,
-         [](C& c, const NString&, const json& on) { c.setAutoImportRingtone(on.get<bool>()); }},
-        {cfg::kDirectory,
-         {},
-         nullptr,
-         [](C& c, Entries& entries) { c.configDirectoryTraverse(into(entries)); },
-         setter(&C::setConfigDirectory),
-         true}};
-    return table;
-}
-
-bool holds(const std::vector<std::string>& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
 std::vector<std::string> scalarNames(bool settable) {
     std::vector<std::string> names;
     for (const Scalar& scalar : scalars()) {
@@ -194,25 +134,82 @@ std::vector<std::string> scalarNames(bool settable) {
     return names;
 }
 
-// The maps' names, or their keys: "Status/NAME", "AutoImport/Ringtone".
-std::vector<std::string> familyNames(bool keys) {
-    std::vector<std::string> names;
-    for (const Family& family : families()) {
-        names.emplace_back(family.name);
-        if (keys) {
-            names.back() += "/" + (family.traverse ? "NAME" : joined(family.known));
+// ---- the maps, whose keys are FAMILY/NAME
+
+// The application answers for the known names even when they were never stored; a map that
+// cannot be traversed holds nothing else.
+struct Family {
+    const char* name;
+    std::function<void(C&, Entries&)> traverse;
+    std::function<void(C&, const NString&, const json&)> set;
+    std::vector<std::string> known = {};
+    std::function<json(C&, const NString&)> get = {}; // of a known name
+    bool paths = false;                               // holds paths; the others hold flags
+};
+
+// Collects what a traversal of the library visits.
+template <typename Value>
+auto traverser(void (C::*traverse)(const std::function<void(const NString&, Value)>&) const) {
+    return [traverse](C& config, Entries& entries) {
+        (config.*traverse)([&entries](const NString& name, Value value) {
+            entries.emplace_back(name.toStdString(), toJson(value));
+        });
+    };
+}
+
+template <typename Value> auto setter(void (C::*set)(const NString&, Value)) {
+    return [set](C& config, const NString& name, const json& value) {
+        (config.*set)(name, fromJson<std::decay_t<Value>>(value));
+    };
+}
+
+const std::vector<Family>& families() {
+    static const std::vector<Family> table = [] {
+        std::vector<std::string> settings;
+        for (const cfg::KnownSetting& setting : cfg::kKnownSettings) {
+            settings.emplace_back(setting.name);
         }
-    }
-    return names;
+        return std::vector<Family>{
+            {cfg::kStatus, traverser(&C::settingStatusTraverse), setter(&C::setSettingStatus),
+             settings, [](C& c, const NString& name) -> json { return c.getSettingStatus(name); }},
+            {cfg::kTools, traverser(&C::toolsHotTraverse), setter(&C::setToolsHot)},
+            {cfg::kAutoImport,
+             nullptr,
+             [](C& c, const NString&, const json& on) { c.setAutoImportRingtone(on.get<bool>()); },
+             {cfg::kRingtone},
+             [](C& c, const NString&) -> json { return c.getAutoImportRingtone(); }},
+            {cfg::kDirectory,
+             traverser(&C::configDirectoryTraverse),
+             setter(&C::setConfigDirectory),
+             {},
+             {},
+             true}};
+    }();
+    return table;
+}
+
+bool holds(const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// The maps' keys for help texts: "Status/NAME", "AutoImport/Ringtone".
+std::string familyKey(const Family& family) {
+    return family.name + ("/" + (family.traverse ? "NAME" : joined(family.known)));
 }
 
 std::string keysHelp() {
+    std::vector<std::string> keys;
+    for (const Family& family : families()) {
+        keys.push_back(familyKey(family));
+    }
     return "a preference (" + joined(scalarNames(true)) + "), a fact of start-up (" +
-           joined(scalarNames(false)) + "), or " + joined(familyNames(true));
+           joined(scalarNames(false)) + "), or " + joined(keys);
 }
 
-// What a key names in the configuration (nothing when no configuration is given: a command
-// checks its arguments before it starts one), and how a new value is read and stored.
+// ---- resolving a key
+
+// What a key names: checked before a configuration starts (so that a refused command starts
+// nothing), then resolved against it.
 struct Setting {
     std::optional<json> current = {}; // nothing: an entry that the map does not hold
     std::function<json(const std::string&)> parse = {}; // none: a fact of start-up
@@ -221,39 +218,39 @@ struct Setting {
     std::string note = {};                    // said when a new entry has been stored
 };
 
-Setting resolve(C* config, const std::string& key) {
-    const auto slash = key.find('/');
-    if (slash == std::string::npos) {
-        for (const Scalar& scalar : scalars()) {
-            if (scalar.name != key) {
-                continue;
-            }
-            Setting setting;
-            if (config != nullptr) {
-                setting.current = scalar.get(*config);
-            }
-            if (scalar.set) {
-                setting.parse = [key, width = scalar.width](const std::string& text) {
-                    return parseValue(key, width, text);
-                };
-                setting.store = [config, set = scalar.set](const json& value) {
-                    set(*config, value);
-                };
-            }
-            return setting;
-        }
+Setting scalarSetting(C* config, const std::string& key) {
+    const auto scalar = std::find_if(scalars().begin(), scalars().end(),
+                                     [&key](const Scalar& s) { return s.name == key; });
+    if (scalar == scalars().end()) {
         std::vector<std::string> keys = scalarNames(true);
         const std::vector<std::string> facts = scalarNames(false);
         keys.insert(keys.end(), facts.begin(), facts.end());
         failUsage("unknown key '" + key + "': a key is " + keysHelp() + didYouMean(key, keys));
     }
-    const std::string family = key.substr(0, slash);
-    const std::string name = key.substr(slash + 1);
+    Setting setting;
+    if (config != nullptr) {
+        setting.current = scalar->get(*config);
+    }
+    if (scalar->set) {
+        setting.parse = [key, width = scalar->width](const std::string& text) {
+            return parseValue(key, width, text);
+        };
+        setting.store = [config, set = scalar->set](const json& value) { set(*config, value); };
+    }
+    return setting;
+}
+
+Setting familySetting(C* config, const std::string& key, const std::string& family,
+                      const std::string& name) {
     const auto found = std::find_if(families().begin(), families().end(),
                                     [&family](const Family& f) { return family == f.name; });
     if (found == families().end()) {
-        failUsage("unknown key '" + key + "': no family '" + family + "' (" +
-                  joined(familyNames(false)) + ")" + didYouMean(family, familyNames(false)));
+        std::vector<std::string> names;
+        for (const Family& f : families()) {
+            names.emplace_back(f.name);
+        }
+        failUsage("unknown key '" + key + "': no family '" + family + "' (" + joined(names) + ")" +
+                  didYouMean(family, names));
     }
     if (name.empty()) {
         failUsage("unknown key '" + key + "': a name must follow '" + family + "/'");
@@ -294,6 +291,13 @@ Setting resolve(C* config, const std::string& key) {
     return setting;
 }
 
+Setting resolve(C* config, const std::string& key) {
+    const auto slash = key.find('/');
+    return slash == std::string::npos
+               ? scalarSetting(config, key)
+               : familySetting(config, key, key.substr(0, slash), key.substr(slash + 1));
+}
+
 void get(const ConfigOptions& options, const std::string& key) {
     resolve(nullptr, key);
     ConfigSession session(options, false);
@@ -310,8 +314,6 @@ void get(const ConfigOptions& options, const std::string& key) {
 }
 
 void set(const ConfigOptions& options, const std::string& key, const std::string& text) {
-    // The key and the value are checked before anything starts: a refused command changes
-    // nothing, not even by the start-up's import.
     const Setting checked = resolve(nullptr, key);
     if (!checked.parse) {
         failUsage("'" + key + "' is found at start-up and cannot be set");
@@ -345,12 +347,12 @@ void addSettings(PRuntimeConfig& config, nlohmann::ordered_json& document) {
     for (const Family& family : families()) {
         // The known names first, with what the application answers for them, then the others.
         json& values = document[lowerCamel(family.name)] = json::object();
+        for (const std::string& name : family.known) {
+            values[name] = family.get(config, NString(name));
+        }
         Entries stored;
         if (family.traverse) {
             family.traverse(config, stored);
-        }
-        for (const std::string& name : family.known) {
-            values[name] = family.get(config, NString(name));
         }
         for (const auto& [name, value] : stored) {
             if (!holds(family.known, name)) {
@@ -367,7 +369,7 @@ std::string plainText(const nlohmann::ordered_json& value) {
 void addSettingActions(CLI::App& group, ConfigOptions& options) {
     static std::string key;
     static std::string value;
-    CLI::App& getCommand = addConfigAction(
+    CLI::App& getCommand = addConfigCommand(
         group, options, "get",
         "Print one value: " + keysHelp() +
             ". A name that the configuration does not hold is not found; the settings that the "
@@ -378,28 +380,24 @@ void addSettingActions(CLI::App& group, ConfigOptions& options) {
     getCommand.add_option("key", key, "What to print")->required();
     getCommand.callback([&options] { get(options, key); });
 
-    std::vector<std::string> keys = familyNames(true);
-    std::vector<std::string> narrow;
-    std::vector<std::string> wide;
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        keys[i] += families()[i].paths ? " (a path)" : " (true or false)";
+    std::vector<std::string> keys;
+    for (const Family& family : families()) {
+        keys.push_back(familyKey(family) + (family.paths ? " (a path)" : " (true or false)"));
     }
+    std::map<cfg::Width, std::vector<std::string>> widths;
     for (const cfg::Preference& preference : cfg::kPreferences) {
-        if (preference.width != cfg::Width::Text) {
-            (preference.width == cfg::Width::Int32 ? narrow : wide)
-                .emplace_back(preference.element);
-        }
+        widths[preference.width].emplace_back(preference.element);
     }
-    CLI::App& setCommand = addConfigAction(
+    CLI::App& setCommand = addConfigCommand(
         group, options, "set",
         "Change a preference, or " + joined(keys) +
             ". Numbers are refused beyond what the configuration keeps when it is read again: "
             "32 bits for " +
-            joined(narrow, "and") + ", unsigned 64 bits for " + joined(wide, "and") +
-            ". Prints what changed.",
+            joined(widths[cfg::Width::Int32], "and") + ", unsigned 64 bits for " +
+            joined(widths[cfg::Width::UInt64], "and") + ". Prints what changed.",
         std::string("pallix config set ") + cfg::kStatus + "/" + cfg::kSettingKeepFirmwareCache +
             " false",
-        "0 changed, or already so (nothing written); 1 the change could not be written", false);
+        "0 changed, or already so (nothing written); 1 the change could not be written");
     setCommand.add_option("key", key, "What to change")->required();
     setCommand.add_option("value", value, "The new value")->required();
     setCommand.callback([&options] { set(options, key, value); });
