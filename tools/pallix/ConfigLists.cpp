@@ -143,14 +143,6 @@ std::string numberText(double value) {
     return buffer;
 }
 
-std::string checkedText(const std::string& what, const std::string& text) {
-    const std::string problem = xmlTextProblem(text);
-    if (!problem.empty()) {
-        failUsage(what + " has " + problem);
-    }
-    return text;
-}
-
 double coordinate(const char* which, const std::string& text) {
     const std::optional<double> value = parseFiniteNumber(text);
     if (!value) {
@@ -176,9 +168,9 @@ json parseEntry(const List& list, const std::vector<std::string>& values, bool r
     }
     if (list.places) {
         return place(coordinate("X", values[0]), coordinate("Y", values[1]),
-                     withLocation ? checkedText("the name", values[2]) : std::string());
+                     withLocation ? xmlText("the name", values[2]) : std::string());
     }
-    const NString path(checkedText("the path", values[0]));
+    const NString path(xmlText("the path", values[0]));
     json entry{{kPath, NFileSystem::path::format(NFileSystem::path(path)).data().data()}};
     if (list.rooted) {
         entry[kRoot] = root;

@@ -4,6 +4,7 @@
 #include "FileGuard.h"
 #include "FileNames.h"
 #include "ToolOutput.h"
+#include "Values.h"
 
 #include "NFileSystem.h"
 #include "PRuntime.h"
@@ -67,6 +68,14 @@ std::string joined(const std::vector<std::string>& words, const char* last) {
 std::string lowerCamel(std::string name) {
     name[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[0])));
     return name;
+}
+
+const std::string& xmlText(const std::string& what, const std::string& text) {
+    const std::string problem = xmlTextProblem(text);
+    if (!problem.empty()) {
+        failUsage(what + " has " + problem);
+    }
+    return text;
 }
 
 ConfigSession::ConfigSession(const ConfigOptions& options, bool changes) {

@@ -32,6 +32,8 @@ CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char*
 std::string joined(const std::vector<std::string>& words, const char* last = "or");
 // The name --json gives to an element of the file: "CustomBackup" becomes "customBackup".
 std::string lowerCamel(std::string name);
+// The text, or a usage error "WHAT has PROBLEM" when an XML file cannot carry it.
+const std::string& xmlText(const std::string& what, const std::string& text);
 
 // The application's configuration, started for one command as the application starts it
 // (PRuntimeConfig::initialize(), which imports a legacy file once and then writes the current

@@ -59,11 +59,7 @@ json parseFlag(const std::string& key, const std::string& text) {
 json parseValue(const std::string& key, cfg::Width width, const std::string& text) {
     constexpr unsigned long long kUInt64Max = std::numeric_limits<unsigned long long>::max();
     if (width == cfg::Width::Text) {
-        const std::string problem = xmlTextProblem(text);
-        if (!problem.empty()) {
-            failUsage(key + ": the value has " + problem);
-        }
-        return text;
+        return xmlText(key + ": the value", text);
     }
     if (width == cfg::Width::UInt64) {
         if (const auto value = parseUnsigned(text, kUInt64Max)) {
@@ -147,43 +143,42 @@ struct Family {
     bool paths = false;                               // holds paths; the others hold flags
 };
 
-// Collects what a traversal of the library visits.
+// A map as the library's traversal and setter give it; a map of text holds paths.
 template <typename Value>
-auto traverser(void (C::*traverse)(const std::function<void(const NString&, Value)>&) const) {
-    return [traverse](C& config, Entries& entries) {
-        (config.*traverse)([&entries](const NString& name, Value value) {
-            entries.emplace_back(name.toStdString(), toJson(value));
-        });
-    };
-}
-
-template <typename Value> auto setter(void (C::*set)(const NString&, Value)) {
-    return [set](C& config, const NString& name, const json& value) {
-        (config.*set)(name, fromJson<std::decay_t<Value>>(value));
-    };
+Family map(const char* name,
+           void (C::*traverse)(const std::function<void(const NString&, Value)>&) const,
+           void (C::*set)(const NString&, Value)) {
+    return {name,
+            [traverse](C& config, Entries& entries) {
+                (config.*traverse)([&entries](const NString& entry, Value value) {
+                    entries.emplace_back(entry.toStdString(), toJson(value));
+                });
+            },
+            [set](C& config, const NString& entry, const json& value) {
+                (config.*set)(entry, fromJson<std::decay_t<Value>>(value));
+            },
+            {},
+            {},
+            std::is_same_v<std::decay_t<Value>, NString>};
 }
 
 const std::vector<Family>& families() {
     static const std::vector<Family> table = [] {
-        std::vector<std::string> settings;
+        Family status = map(cfg::kStatus, &C::settingStatusTraverse, &C::setSettingStatus);
         for (const cfg::KnownSetting& setting : cfg::kKnownSettings) {
-            settings.emplace_back(setting.name);
+            status.known.emplace_back(setting.name);
         }
+        status.get = [](C& c, const NString& name) -> json { return c.getSettingStatus(name); };
+        // The library offers the ringtone's flag alone, with its own default.
+        const Family autoImport{
+            cfg::kAutoImport,
+            nullptr,
+            [](C& c, const NString&, const json& on) { c.setAutoImportRingtone(on.get<bool>()); },
+            {cfg::kRingtone},
+            [](C& c, const NString&) -> json { return c.getAutoImportRingtone(); }};
         return std::vector<Family>{
-            {cfg::kStatus, traverser(&C::settingStatusTraverse), setter(&C::setSettingStatus),
-             settings, [](C& c, const NString& name) -> json { return c.getSettingStatus(name); }},
-            {cfg::kTools, traverser(&C::toolsHotTraverse), setter(&C::setToolsHot)},
-            {cfg::kAutoImport,
-             nullptr,
-             [](C& c, const NString&, const json& on) { c.setAutoImportRingtone(on.get<bool>()); },
-             {cfg::kRingtone},
-             [](C& c, const NString&) -> json { return c.getAutoImportRingtone(); }},
-            {cfg::kDirectory,
-             traverser(&C::configDirectoryTraverse),
-             setter(&C::setConfigDirectory),
-             {},
-             {},
-             true}};
+            status, map(cfg::kTools, &C::toolsHotTraverse, &C::setToolsHot), autoImport,
+            map(cfg::kDirectory, &C::configDirectoryTraverse, &C::setConfigDirectory)};
     }();
     return table;
 }
@@ -206,133 +201,127 @@ std::string keysHelp() {
            joined(scalarNames(false)) + "), or " + joined(keys);
 }
 
-// ---- resolving a key
+// What the map holds, as its traversal gives it.
+Entries stored(C& config, const Family& family) {
+    Entries entries;
+    if (family.traverse) {
+        family.traverse(config, entries);
+    }
+    return entries;
+}
 
-// What a key names: checked before a configuration starts (so that a refused command starts
-// nothing), then resolved against it.
-struct Setting {
-    std::optional<json> current = {}; // nothing: an entry that the map does not hold
-    std::function<json(const std::string&)> parse = {}; // none: a fact of start-up
-    std::function<void(const json&)> store = {};
-    std::vector<std::string> neighbours = {}; // the names that the key's map holds
-    std::string note = {};                    // said when a new entry has been stored
+// ---- the keys
+
+// What a key names: a scalar, or a name in a map. A key is checked before the configuration
+// starts, so that a refused command starts nothing.
+struct Key {
+    std::string text;
+    const Scalar* scalar = nullptr;
+    const Family* family = nullptr;
+    std::string name = {};
 };
 
-Setting scalarSetting(C* config, const std::string& key) {
-    const auto scalar = std::find_if(scalars().begin(), scalars().end(),
-                                     [&key](const Scalar& s) { return s.name == key; });
-    if (scalar == scalars().end()) {
-        std::vector<std::string> keys = scalarNames(true);
-        const std::vector<std::string> facts = scalarNames(false);
-        keys.insert(keys.end(), facts.begin(), facts.end());
-        failUsage("unknown key '" + key + "': a key is " + keysHelp() + didYouMean(key, keys));
-    }
-    Setting setting;
-    if (config != nullptr) {
-        setting.current = scalar->get(*config);
-    }
-    if (scalar->set) {
-        setting.parse = [key, width = scalar->width](const std::string& text) {
-            return parseValue(key, width, text);
-        };
-        setting.store = [config, set = scalar->set](const json& value) { set(*config, value); };
-    }
-    return setting;
-}
-
-Setting familySetting(C* config, const std::string& key, const std::string& family,
-                      const std::string& name) {
-    const auto found = std::find_if(families().begin(), families().end(),
-                                    [&family](const Family& f) { return family == f.name; });
-    if (found == families().end()) {
+Key parseKey(const std::string& text) {
+    Key key{text};
+    const auto slash = text.find('/');
+    if (slash == std::string::npos) {
         std::vector<std::string> names;
-        for (const Family& f : families()) {
-            names.emplace_back(f.name);
+        for (const Scalar& scalar : scalars()) {
+            key.scalar = scalar.name == text ? &scalar : key.scalar;
+            names.push_back(scalar.name);
         }
-        failUsage("unknown key '" + key + "': no family '" + family + "' (" + joined(names) + ")" +
+        if (key.scalar == nullptr) {
+            failUsage("unknown key '" + text + "': a key is " + keysHelp() +
+                      didYouMean(text, names));
+        }
+        return key;
+    }
+    const std::string family = text.substr(0, slash);
+    std::vector<std::string> names;
+    for (const Family& candidate : families()) {
+        key.family = family == candidate.name ? &candidate : key.family;
+        names.emplace_back(candidate.name);
+    }
+    key.name = text.substr(slash + 1);
+    if (key.family == nullptr) {
+        failUsage("unknown key '" + text + "': no family '" + family + "' (" + joined(names) + ")" +
                   didYouMean(family, names));
     }
-    if (name.empty()) {
-        failUsage("unknown key '" + key + "': a name must follow '" + family + "/'");
+    if (key.name.empty()) {
+        failUsage("unknown key '" + text + "': a name must follow '" + family + "/'");
     }
-    const std::string problem = xmlTextProblem(name);
-    if (!problem.empty()) {
-        failUsage("the name in '" + key + "' has " + problem);
+    xmlText("the name in '" + text + "'", key.name);
+    if (!key.family->traverse && !holds(key.family->known, key.name)) {
+        failUsage("unknown key '" + text + "': " + family + " holds only " +
+                  joined(key.family->known));
     }
-    const bool known = holds(found->known, name);
-    if (!found->traverse && !known) {
-        failUsage("unknown key '" + key + "': " + family + " holds only " + joined(found->known));
-    }
-    Setting setting;
-    setting.parse = [key, paths = found->paths](const std::string& text) {
-        return paths ? parseValue(key, cfg::Width::Text, text) : parseFlag(key, text);
-    };
-    if (config == nullptr) {
-        return setting;
-    }
-    Entries stored;
-    if (found->traverse) {
-        found->traverse(*config, stored);
-    }
-    for (const auto& [storedName, value] : stored) {
-        setting.neighbours.push_back(storedName);
-        setting.current = storedName == name ? value : setting.current;
-    }
-    setting.neighbours.insert(setting.neighbours.end(), found->known.begin(), found->known.end());
-    if (known) {
-        setting.current = found->get(*config, NString(name));
-    } else if (!setting.current && !found->known.empty()) {
-        setting.note = "'" + name + "' is not a setting that the application knows" +
-                       didYouMean(name, found->known);
-    }
-    setting.store = [config, set = found->set, name](const json& value) {
-        set(*config, NString(name), value);
-    };
-    return setting;
+    return key;
 }
 
-Setting resolve(C* config, const std::string& key) {
-    const auto slash = key.find('/');
-    return slash == std::string::npos
-               ? scalarSetting(config, key)
-               : familySetting(config, key, key.substr(0, slash), key.substr(slash + 1));
+// What the configuration holds for the key; nothing for a name that its map does not hold.
+std::optional<json> current(C& config, const Key& key) {
+    if (key.scalar != nullptr) {
+        return key.scalar->get(config);
+    }
+    if (holds(key.family->known, key.name)) {
+        return key.family->get(config, NString(key.name));
+    }
+    for (const auto& [name, value] : stored(config, *key.family)) {
+        if (name == key.name) {
+            return value;
+        }
+    }
+    return std::nullopt;
 }
 
-void get(const ConfigOptions& options, const std::string& key) {
-    resolve(nullptr, key);
+void get(const ConfigOptions& options, const std::string& text) {
+    const Key key = parseKey(text);
     ConfigSession session(options, false);
-    const Setting setting = resolve(&session.config(), key);
-    if (!setting.current) {
-        failNotFound(key + ": not found; the configuration holds no such name" +
-                     didYouMean(key.substr(key.find('/') + 1), setting.neighbours));
+    const std::optional<json> value = current(session.config(), key);
+    if (!value) {
+        std::vector<std::string> names;
+        for (const auto& entry : stored(session.config(), *key.family)) {
+            names.push_back(entry.first);
+        }
+        names.insert(names.end(), key.family->known.begin(), key.family->known.end());
+        failNotFound(text + ": not found; the configuration holds no such name" +
+                     didYouMean(key.name, names));
     }
     if (options.json) {
-        printJson(json{{"key", key}, {"value", *setting.current}});
+        printJson(json{{"key", text}, {"value", *value}});
     } else {
-        std::cout << plainText(*setting.current) << '\n';
+        std::cout << plainText(*value) << '\n';
     }
 }
 
-void set(const ConfigOptions& options, const std::string& key, const std::string& text) {
-    const Setting checked = resolve(nullptr, key);
-    if (!checked.parse) {
-        failUsage("'" + key + "' is found at start-up and cannot be set");
+void set(const ConfigOptions& options, const std::string& text, const std::string& valueText) {
+    const Key key = parseKey(text);
+    if (key.scalar != nullptr && !key.scalar->set) {
+        failUsage("'" + text + "' is found at start-up and cannot be set");
     }
-    const json value = checked.parse(text);
+    const json value = key.scalar != nullptr ? parseValue(text, key.scalar->width, valueText)
+                       : key.family->paths   ? parseValue(text, cfg::Width::Text, valueText)
+                                             : parseFlag(text, valueText);
 
     ConfigSession session(options, true);
-    const Setting setting = resolve(&session.config(), key);
-    if (setting.current == value) {
-        std::cout << key << ": already " << plainText(value) << "; nothing changed\n";
+    const std::optional<json> was = current(session.config(), key);
+    if (was == value) {
+        std::cout << text << ": already " << plainText(value) << "; nothing changed\n";
         return;
     }
-    setting.store(value);
+    if (key.scalar != nullptr) {
+        key.scalar->set(session.config(), value);
+    } else {
+        key.family->set(session.config(), NString(key.name), value);
+    }
     session.requireWritten();
-    std::cout << key << ": " << plainText(value)
-              << (setting.current ? " (was " + plainText(*setting.current) + ")" : " (new)")
-              << '\n';
-    if (!setting.note.empty()) {
-        reportNote(setting.note);
+    std::cout << text << ": " << plainText(value)
+              << (was ? " (was " + plainText(*was) + ")" : " (new)") << '\n';
+    // Any name is stored, but a new one beside the names that the application knows is more
+    // likely a mistyped one.
+    if (!was && !key.family->known.empty()) {
+        reportNote("'" + key.name + "' is not a setting that the application knows" +
+                   didYouMean(key.name, key.family->known));
     }
 }
 
@@ -350,11 +339,7 @@ void addSettings(PRuntimeConfig& config, nlohmann::ordered_json& document) {
         for (const std::string& name : family.known) {
             values[name] = family.get(config, NString(name));
         }
-        Entries stored;
-        if (family.traverse) {
-            family.traverse(config, stored);
-        }
-        for (const auto& [name, value] : stored) {
+        for (const auto& [name, value] : stored(config, family)) {
             if (!holds(family.known, name)) {
                 values[name] = value;
             }
