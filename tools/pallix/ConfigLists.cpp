@@ -331,14 +331,13 @@ void addListActions(CLI::App& group, ConfigOptions& options) {
             "included. Prints what happened.",
         std::string("pallix config add ") + cfg::kVirtualLocation + " 31.2304 121.4737 Shanghai",
         "0 added, renamed, moved, or already there (nothing written); 1 a file favourite there "
-        "with the other root flag (nothing written), or a change that could not be written",
-        false);
+        "with the other root flag (nothing written), or a change that could not be written");
     CLI::App& removeCommand = addConfigCommand(
         group, options, "remove",
         "Remove from a list: " + joined(removing, "and") +
             ". The root flag must match; places are given exactly as 'list' prints them.",
         std::string("pallix config remove ") + cfg::kCustomBackup + " /Volumes/Backups",
-        "0 removed; 1 not there (nothing written), or a change that could not be written", false);
+        "0 removed; 1 not there (nothing written), or a change that could not be written");
     for (CLI::App* command : {&addCommand, &removeCommand}) {
         const bool adds = command == &addCommand;
         command->add_option("list", name, names)->required();
@@ -357,8 +356,7 @@ void addListActions(CLI::App& group, ConfigOptions& options) {
     CLI::App& clearCommand = addConfigCommand(
         group, options, "clear", "Empty a place list: " + joined(listNames(true)) + ".",
         std::string("pallix config clear ") + cfg::kVirtualLocation,
-        "0 cleared, or already empty (nothing written); 1 a change that could not be written",
-        false);
+        "0 cleared, or already empty (nothing written); 1 a change that could not be written");
     clearCommand.add_option("list", name, joined(listNames(true)))->required();
     clearCommand.callback([&options] {
         const List& list = parseList(name);
