@@ -26,12 +26,14 @@ void PRuntimeConfig::initialize() {
         config.newUpdate = false;
         config.version = cfg::kFallbackVersion;
         config.lastVersion = cfg::kFallbackVersion;
-        config.sameTimeDownloadNumber = cfg::kDefaultSameTimeDownloadNumber;
-        config.downloadMaxSpeed = 0;
-        config.popupTimeADAPP = 0;
+        config.sameTimeDownloadNumber = cfg::preference(cfg::kSameTimeDownloadNumber).byDefault;
+        config.downloadMaxSpeed = cfg::preference(cfg::kDownloadMaxSpeed).byDefault;
+        config.popupTimeADAPP = cfg::preference(cfg::kPopupTimeADAPP).byDefault;
         config.lastSkin = cfg::kDefaultSkin;
-        config.lastLanguage = EPALLIX_RUNTIME_LANGUAGE(0);
-        config.restoreCore = EPALLIX_RUNTIME_RESTORE_CORE(0);
+        config.lastLanguage =
+            EPALLIX_RUNTIME_LANGUAGE(cfg::preference(cfg::kLastLanguage).byDefault);
+        config.restoreCore =
+            EPALLIX_RUNTIME_RESTORE_CORE(cfg::preference(cfg::kRestoreCore).byDefault);
 
         // A configuration of an earlier release is carried over once, written in the current
         // format and then removed, so that the next start reads the current file.

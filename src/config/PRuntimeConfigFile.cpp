@@ -4,7 +4,6 @@
 #include "ConfigMaps.h"
 #include "ConfigXml.h"
 #include "ConfigurationFormat.h"
-#include "Conversions.h"
 #include "NApple.h"
 #include "NFileSystem.h"
 #include "Operation.h"
@@ -18,6 +17,7 @@
 namespace cfg = pallix::format::configuration;
 using pallix::config::forEachChild;
 using pallix::config::insertIfAbsent;
+using pallix::config::readPreference;
 
 namespace {
 
@@ -92,17 +92,16 @@ void PRuntimeConfig::load_new() {
         // are written 64 bits wide but read as int: a larger value does not survive a load.
         config.lastVersion = NString(valueOf(root, cfg::kLastVersion, ""));
         config.popupTimeADAPP =
-            pallix::format::readUInt64(root.child(cfg::kPopupTimeADAPP).attribute(cfg::kValue), 0);
-        config.sameTimeDownloadNumber = pallix::format::readInt32(
-            root.child(cfg::kSameTimeDownloadNumber).attribute(cfg::kValue),
-            cfg::kDefaultSameTimeDownloadNumber);
+            readPreference<unsigned long long>(root, cfg::kPopupTimeADAPP, cfg::kValue);
+        config.sameTimeDownloadNumber =
+            readPreference<long long>(root, cfg::kSameTimeDownloadNumber, cfg::kValue);
         config.downloadMaxSpeed =
-            pallix::format::readInt32(root.child(cfg::kDownloadMaxSpeed).attribute(cfg::kValue), 0);
+            readPreference<long long>(root, cfg::kDownloadMaxSpeed, cfg::kValue);
         config.lastSkin = NString(valueOf(root, cfg::kLastSkin, ""));
-        config.lastLanguage = EPALLIX_RUNTIME_LANGUAGE(
-            pallix::format::readInt32(root.child(cfg::kLastLanguage).attribute(cfg::kValue), 0));
-        config.restoreCore = EPALLIX_RUNTIME_RESTORE_CORE(
-            pallix::format::readInt32(root.child(cfg::kRestoreCore).attribute(cfg::kValue), 0));
+        config.lastLanguage =
+            readPreference<EPALLIX_RUNTIME_LANGUAGE>(root, cfg::kLastLanguage, cfg::kValue);
+        config.restoreCore =
+            readPreference<EPALLIX_RUNTIME_RESTORE_CORE>(root, cfg::kRestoreCore, cfg::kValue);
 
         readFlags(root.child(cfg::kStatus), config.status);
 

@@ -4,7 +4,6 @@
 #include "ConfigMaps.h"
 #include "ConfigXml.h"
 #include "ConfigurationFormat.h"
-#include "Conversions.h"
 #include "NApple.h"
 #include "Operation.h"
 #include "XmlFile.h"
@@ -19,6 +18,7 @@ namespace cfg = pallix::format::configuration;
 namespace legacy = pallix::format::configuration::legacy;
 using pallix::config::forEachChild;
 using pallix::config::insertIfAbsent;
+using pallix::config::readPreference;
 
 namespace {
 
@@ -64,14 +64,15 @@ void PRuntimeConfig::load_old() {
         }
 
         config.lastVersion = NString(valueOf(root, cfg::kLastVersion).as_string(""));
-        config.popupTimeADAPP = pallix::format::readUInt64(valueOf(root, cfg::kPopupTimeADAPP), 0);
-        config.sameTimeDownloadNumber = pallix::format::readInt32(
-            valueOf(root, cfg::kSameTimeDownloadNumber), cfg::kDefaultSameTimeDownloadNumber);
+        config.popupTimeADAPP =
+            readPreference<unsigned long long>(root, cfg::kPopupTimeADAPP, legacy::kValue);
+        config.sameTimeDownloadNumber =
+            readPreference<long long>(root, cfg::kSameTimeDownloadNumber, legacy::kValue);
         config.downloadMaxSpeed =
-            pallix::format::readInt32(valueOf(root, cfg::kDownloadMaxSpeed), 0);
+            readPreference<long long>(root, cfg::kDownloadMaxSpeed, legacy::kValue);
         config.lastSkin = NString(valueOf(root, cfg::kLastSkin).as_string(""));
-        config.restoreCore = EPALLIX_RUNTIME_RESTORE_CORE(
-            pallix::format::readInt32(valueOf(root, cfg::kRestoreCore), 0));
+        config.restoreCore =
+            readPreference<EPALLIX_RUNTIME_RESTORE_CORE>(root, cfg::kRestoreCore, legacy::kValue);
 
         // All ten are read before any is stored; the setting flags keep a name they already hold.
         std::map<NString, bool> imported;

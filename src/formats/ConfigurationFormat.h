@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <stdexcept>
+#include <string_view>
 
 // The configuration files: "configure.xml" (current), "Config.xml" (earlier releases, imported
 // once) and the running version in "UpdateCfg.xml", with the values a new configuration starts
@@ -29,18 +31,34 @@ inline constexpr char kAutoImport[] = "AutoImport";
 inline constexpr char kVirtualLocation[] = "VirtualLocation";
 inline constexpr char kLocationFavorites[] = "LocationFavorites";
 
-// How the reader keeps each preference: a number beyond its width does not survive a load (the
+// How the readers keep each preference, and the number it starts from, which is also what a
+// reader takes for a missing element: a number beyond its width does not survive a load (the
 // download limits are written 64 bits wide but read back as 32-bit numbers).
 enum class Width { Int32, UInt64, Text };
 struct Preference {
     const char* element;
     Width width;
+    long long byDefault; // numbers only: text has its own defaults below
 };
+inline constexpr int kDefaultSameTimeDownloadNumber = 3;
 inline constexpr Preference kPreferences[] = {
-    {kPopupTimeADAPP, Width::UInt64},  {kSameTimeDownloadNumber, Width::Int32},
-    {kDownloadMaxSpeed, Width::Int32}, {kLastSkin, Width::Text},
-    {kLastLanguage, Width::Int32},     {kRestoreCore, Width::Int32},
+    {kPopupTimeADAPP, Width::UInt64, 0},
+    {kSameTimeDownloadNumber, Width::Int32, kDefaultSameTimeDownloadNumber},
+    {kDownloadMaxSpeed, Width::Int32, 0},
+    {kLastSkin, Width::Text, 0},
+    {kLastLanguage, Width::Int32, 0},
+    {kRestoreCore, Width::Int32, 0},
 };
+
+// The entry of kPreferences for `element`, which must be one of them.
+constexpr const Preference& preference(std::string_view element) {
+    for (const Preference& entry : kPreferences) {
+        if (element == entry.element) {
+            return entry;
+        }
+    }
+    throw std::invalid_argument("not a preference of the configuration");
+}
 
 // Attributes of the items.
 inline constexpr char kName[] = "Name";
@@ -59,7 +77,6 @@ inline constexpr char kRingtone[] = "Ringtone";
 // ---- the values a configuration starts from
 inline constexpr char kFallbackVersion[] = "5.0.0"; // when UpdateCfg.xml names none
 inline constexpr char kDefaultSkin[] = "236EE7";
-inline constexpr int kDefaultSameTimeDownloadNumber = 3;
 inline constexpr bool kDefaultAutoImportRingtone = true;
 inline constexpr char kDefaultDataDirectoryName[] = "TolVaneData"; // under the user's home
 

@@ -86,3 +86,15 @@ TEST(FormatConfiguration, EveryLegacySettingIsAKnownSetting) {
     }
     EXPECT_EQ(format::configuration::kKnownSettingCount, 13u);
 }
+
+TEST(FormatConfiguration, EveryPreferenceIsFoundByItsElement) {
+    namespace cfg = format::configuration;
+    for (const cfg::Preference& preference : cfg::kPreferences) {
+        EXPECT_EQ(&cfg::preference(preference.element), &preference) << preference.element;
+    }
+    static_assert(cfg::preference(cfg::kDownloadMaxSpeed).width == cfg::Width::Int32);
+    EXPECT_EQ(cfg::preference(cfg::kSameTimeDownloadNumber).byDefault,
+              cfg::kDefaultSameTimeDownloadNumber);
+    EXPECT_THROW(cfg::preference(cfg::kLastVersion), std::invalid_argument);
+    EXPECT_THROW(cfg::preference(cfg::kStatus), std::invalid_argument);
+}

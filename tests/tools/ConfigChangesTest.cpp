@@ -3,6 +3,7 @@
 // and the write that does not reach the disk.
 
 #include "ConfigToolFixture.h"
+#include "ConfigurationFormat.h"
 
 #include <unistd.h>
 
@@ -60,6 +61,26 @@ TEST_F(ConfigChangesTest, NumbersBeyondWhatTheReaderKeepsAreRefused) {
     EXPECT_EQ(run({"get", "SameTimeDownloadNumber"}).output, "-2147483648\n");
     const ToolResult check = runPlain({"check", currentFile()});
     EXPECT_EQ(check.status, 0) << check.output << check.errors;
+}
+
+// The ranges follow the table that the readers take their widths from: each preference takes
+// the extremes of its width, reads them back after a restart, and refuses one beyond.
+TEST_F(ConfigChangesTest, EveryPreferenceTakesTheNumbersItsReaderKeeps) {
+    namespace cfg = pallix::format::configuration;
+    for (const cfg::Preference& preference : cfg::kPreferences) {
+        if (preference.width == cfg::Width::Text) {
+            continue;
+        }
+        const bool wide = preference.width == cfg::Width::UInt64;
+        for (const auto& [kept, beyond] : std::vector<std::pair<std::string, std::string>>{
+                 {wide ? "18446744073709551615" : "2147483647",
+                  wide ? "18446744073709551616" : "2147483648"},
+                 {wide ? "0" : "-2147483648", wide ? "-1" : "-2147483649"}}) {
+            EXPECT_EQ(run({"set", preference.element, kept}).status, 0) << preference.element;
+            EXPECT_EQ(run({"get", preference.element}).output, kept + "\n") << preference.element;
+            EXPECT_EQ(run({"set", preference.element, beyond}).status, 2) << preference.element;
+        }
+    }
 }
 
 TEST_F(ConfigChangesTest, TextThatXmlCannotCarryIsRefused) {

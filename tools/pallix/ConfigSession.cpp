@@ -4,46 +4,78 @@
 #include "FileGuard.h"
 #include "FileNames.h"
 #include "ToolOutput.h"
+#include "Values.h"
 
 #include "NFileSystem.h"
 #include "PRuntime.h"
 #include "PRuntimeConfig.h"
 
+#include <cctype>
+
 namespace pallix::tool {
 
 namespace {
 
-// The library does not hand out the names of its files; these are the names it reads and
-// writes, in the configuration directory (the first two) and the resources directory.
-const std::string kCurrentFile = std::string("/") + format::kConfigurationFile;
-const std::string kLegacyFile = std::string("/") + format::kLegacyConfigurationFile;
-const std::string kVersionFile = std::string("/") + format::kVersionFile;
+bool exists(const std::string& path) {
+    return NFileSystem::path::exist(NString(path));
+}
 
 // The running version decides whether this start counts as an update; the library says nothing
 // when it cannot read the version, so the tool does.
 void diagnoseVersionFile(const std::string& resources) {
-    const std::string path = resources + kVersionFile;
-    if (!NFileSystem::path::exist(NString(path))) {
-        reportWarning(path + ": no such file; the running version is the library's built-in one");
-        return;
-    }
-    const std::string problem = fileProblem(path, check::FileKind::Version);
+    const std::string path = resources + "/" + format::kVersionFile;
+    const std::string problem =
+        exists(path) ? fileProblem(path, check::FileKind::Version) : "no such file";
     if (!problem.empty()) {
         reportWarning(path + ": " + problem +
-                      "; the running version is the library's built-in one (run 'pallix check " +
-                      path + "')");
+                      "; the running version is the library's built-in one" +
+                      (exists(path) ? " (run 'pallix check " + path + "')" : ""));
     }
 }
 
 } // namespace
 
-void addConfigOptions(CLI::App& command, ConfigOptions& options) {
+CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char* name,
+                           const std::string& description, const std::string& example,
+                           const std::string& statuses, bool json) {
+    CLI::App& command = *parent.add_subcommand(name, description);
     addConfigDirectoryOption(command, options.directories.config);
     addResourcesDirectoryOption(command, options.directories.resources);
     command.add_flag("--force", options.force,
-                     "Go on when a configuration file cannot be read as it is: a change, or the "
-                     "import of a legacy Config.xml, replaces it (its content is lost); a command "
-                     "that only reads shows the start-up values");
+                     std::string("Go on when a configuration file cannot be read as it is: a "
+                                 "change, or the import of a legacy ") +
+                         format::kLegacyConfigurationFile +
+                         ", replaces it (its content is lost); a command that only reads shows "
+                         "the start-up values");
+    if (json) {
+        addJsonFlag(command, options.json);
+    }
+    finishHelp(command, example,
+               statuses + "; 2 a usage error, a directory that cannot be used, or a "
+                          "configuration file that cannot be read as it is (see --force).");
+    return command;
+}
+
+std::string joined(const std::vector<std::string>& words, const char* last) {
+    std::string text;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        text += (i == 0 ? "" : i + 1 == words.size() ? std::string(" ") + last + " " : ", ");
+        text += words[i];
+    }
+    return text;
+}
+
+std::string lowerCamel(std::string name) {
+    name[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[0])));
+    return name;
+}
+
+const std::string& xmlText(const std::string& what, const std::string& text) {
+    const std::string problem = xmlTextProblem(text);
+    if (!problem.empty()) {
+        failUsage(what + " has " + problem);
+    }
+    return text;
 }
 
 ConfigSession::ConfigSession(const ConfigOptions& options, bool changes) {
@@ -56,14 +88,13 @@ ConfigSession::ConfigSession(const ConfigOptions& options, bool changes) {
     // A legacy file is imported by every start, read-only commands included: the import writes
     // the current file over whatever it held and removes the legacy file, so it is the legacy
     // file that must be readable before anything starts.
-    const std::string legacy = m_directory + kLegacyFile;
+    const std::string legacy = m_directory + "/" + format::kLegacyConfigurationFile;
     const std::string current = currentFile();
     const bool imports = NFileSystem::file::exist(NString(legacy));
     if (imports) {
         guardFile(legacy, check::FileKind::LegacyConfig, options.force);
         // The library removes the legacy file even when the import could not be written.
-        if (NFileSystem::path::exist(NString(current)) &&
-            !NFileSystem::file::exist(NString(current))) {
+        if (exists(current) && !NFileSystem::file::exist(NString(current))) {
             failUnreadable(current + ": is not a regular file, so the import of " + legacy +
                            " could not be written and the legacy file would be lost");
         }
@@ -71,17 +102,15 @@ ConfigSession::ConfigSession(const ConfigOptions& options, bool changes) {
                    " and removing it, as the application does at start-up");
     } else if (changes) {
         guardFile(current, check::FileKind::Config, options.force);
-    } else {
+    } else if (const std::string problem = fileProblem(current, check::FileKind::Config);
+               !problem.empty()) {
         // Nothing is written, but what start-up makes of a file it cannot read is not what the
         // file says: only --force shows it.
-        const std::string problem = fileProblem(current, check::FileKind::Config);
-        if (!problem.empty() && !options.force) {
+        if (!options.force) {
             failUnreadable(current + ": " + problem + " (run 'pallix check " + current +
                            "' to see why, or pass --force to see the start-up values instead)");
         }
-        if (!problem.empty()) {
-            reportWarning(current + ": " + problem + "; showing the start-up values instead");
-        }
+        reportWarning(current + ": " + problem + "; showing the start-up values instead");
     }
 
     PRuntime* runtime = PRuntime::getInstance();
@@ -101,7 +130,7 @@ ConfigSession::~ConfigSession() {
 }
 
 std::string ConfigSession::currentFile() const {
-    return m_directory + kCurrentFile;
+    return m_directory + "/" + format::kConfigurationFile;
 }
 
 void ConfigSession::requireWritten() const {

@@ -6,25 +6,39 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 class PRuntimeConfig;
 
+// What the "pallix config" commands share: their options, the shape of their help, the words
+// their help texts are made of, and the configuration started for each.
 namespace pallix::tool {
 
-// What every "pallix config" action takes, on the group and on the action alike.
+// Bound to the group and to every action alike, so an option may come before or after the action.
 struct ConfigOptions {
     Directories directories;
     bool force = false;
     bool json = false;
 };
 
-// Adds --config-dir, --resources-dir and --force to a command, bound to `options`.
-void addConfigOptions(CLI::App& command, ConfigOptions& options);
+// Adds the group (to the tool) or an action (to the group) with --config-dir, --resources-dir,
+// --force and, where it prints values, --json. Its help ends with the example, then with the
+// exit statuses followed by those that every start of the configuration may end with.
+CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char* name,
+                           const std::string& description, const std::string& example,
+                           const std::string& statuses, bool json = false);
+
+// "A, B or C", for help texts that list what a table holds.
+std::string joined(const std::vector<std::string>& words, const char* last = "or");
+// The name --json gives to an element of the file: "CustomBackup" becomes "customBackup".
+std::string lowerCamel(std::string name);
+// The text, or a usage error "WHAT has PROBLEM" when an XML file cannot carry it.
+const std::string& xmlText(const std::string& what, const std::string& text);
 
 // The application's configuration, started for one command as the application starts it
-// (PRuntimeConfig::initialize(), which imports a legacy Config.xml once and then writes the
-// current file). The configuration directory stays locked until the session ends, so that the
-// tool's own changes take turns. A file that the start-up or the command's change would replace
+// (PRuntimeConfig::initialize(), which imports a legacy file once and then writes the current
+// one). The configuration directory stays locked until the session ends, so that the tool's
+// own changes take turns. A file that the start-up or the command's change would replace
 // without having read it is guarded first (FileGuard.h); a read-only command refuses a current
 // file that it cannot read as well, unless forced, since it would show start-up values as if
 // they were the file's.

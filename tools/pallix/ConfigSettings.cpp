@@ -1,278 +1,391 @@
 #include "ConfigSettings.h"
 
 #include "ConfigurationFormat.h"
+#include "Conversions.h"
 #include "Failure.h"
 #include "Suggestion.h"
+#include "ToolOutput.h"
 #include "Values.h"
 
 #include "PRuntimeConfig.h"
 
-#include <cctype>
-#include <cstdint>
+#include <algorithm>
+#include <functional>
+#include <iostream>
 #include <limits>
+#include <map>
+#include <optional>
 
 namespace pallix::tool::config {
 
 namespace {
 
-using nlohmann::json;
+namespace cfg = format::configuration;
+using json = nlohmann::ordered_json;
+using C = PRuntimeConfig;
+using Entries = std::vector<std::pair<std::string, json>>;
 
-using Parser = std::function<json(const std::string&)>;
+// The library's values as JSON and back: text as strings, numbers and flags as themselves, the
+// enumerations as the numbers that the file keeps.
+json toJson(const NString& text) {
+    return text.toStdString();
+}
+template <typename Value> json toJson(const Value& value) {
+    return value;
+}
+template <typename Value> Value fromJson(const json& value) {
+    return value.get<Value>();
+}
+template <> NString fromJson<NString>(const json& value) {
+    return NString(value.get<std::string>());
+}
 
-// The configuration file's reader keeps the two download limits, the language and the restore
-// engine as 32-bit numbers, whatever the setters take: a wider value would not survive the next
-// start, so it is refused here.
-Parser int32Parser(const std::string& name) {
-    return [name](const std::string& text) -> json {
-        const auto value = parseInteger(text, INT32_MIN, INT32_MAX);
-        if (!value) {
-            failUsage(name + ": '" + text + "' is not a whole number from " +
-                      std::to_string(INT32_MIN) + " to " + std::to_string(INT32_MAX) +
-                      " (the configuration is read back as a 32-bit number)");
+json parseFlag(const std::string& key, const std::string& text) {
+    static const std::map<std::string, bool> words{{"true", true}, {"yes", true},    {"on", true},
+                                                   {"1", true},    {"false", false}, {"no", false},
+                                                   {"off", false}, {"0", false}};
+    std::string lower = text;
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const auto word = words.find(lower);
+    if (word == words.end()) {
+        failUsage(key + ": '" + text + "' is not a boolean (true or false)");
+    }
+    return word->second;
+}
+
+// The reader keeps each number at its width, whatever the setter takes: a wider value would not
+// survive the next start, so it is refused here. Text must be something XML can carry.
+json parseValue(const std::string& key, cfg::Width width, const std::string& text) {
+    constexpr unsigned long long kUInt64Max = std::numeric_limits<unsigned long long>::max();
+    if (width == cfg::Width::Text) {
+        return xmlText(key + ": the value", text);
+    }
+    if (width == cfg::Width::UInt64) {
+        if (const auto value = parseUnsigned(text, kUInt64Max)) {
+            return *value;
         }
+        failUsage(key + ": '" + text + "' is not a whole number from 0 to " +
+                  std::to_string(kUInt64Max) + " (an unsigned 64-bit number)");
+    }
+    if (const auto value = parseInteger(text, format::kInt32Min, format::kInt32Max)) {
         return *value;
-    };
+    }
+    failUsage(key + ": '" + text + "' is not a whole number from " +
+              std::to_string(format::kInt32Min) + " to " + std::to_string(format::kInt32Max) +
+              " (the configuration is read back as a 32-bit number)");
 }
 
-Parser uint64Parser(const std::string& name) {
-    return [name](const std::string& text) -> json {
-        const auto value = parseUnsigned(text, std::numeric_limits<unsigned long long>::max());
-        if (!value) {
-            failUsage(name + ": '" + text + "' is not a whole number from 0 to " +
-                      std::to_string(std::numeric_limits<unsigned long long>::max()) +
-                      " (an unsigned 64-bit number)");
-        }
-        return *value;
-    };
-}
+// ---- the keys without a family: the preferences, and the facts that start-up finds
 
-Parser textParser(const std::string& name) {
-    return [name](const std::string& text) -> json {
-        const std::string problem = xmlTextProblem(text);
-        if (!problem.empty()) {
-            failUsage(name + ": the value has " + problem);
-        }
-        return text;
-    };
-}
-
-Parser booleanParser(const std::string& name) {
-    return [name](const std::string& text) -> json {
-        std::string lower;
-        for (char c : text) {
-            lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        }
-        if (lower == "true" || lower == "yes" || lower == "on" || lower == "1") {
-            return true;
-        }
-        if (lower == "false" || lower == "no" || lower == "off" || lower == "0") {
-            return false;
-        }
-        failUsage(name + ": '" + text + "' is not a boolean (true or false)");
-    };
-}
-
-struct Preference {
-    const char* name;
-    std::function<json(PRuntimeConfig&)> get;
-    Parser parse;                                          // empty: found at start-up
-    std::function<void(PRuntimeConfig&, const json&)> set; // empty: found at start-up
+struct Scalar {
+    std::string name;
+    std::function<json(C&)> get;
+    std::function<void(C&, const json&)> set = {}; // none: a fact, which cannot be set
+    cfg::Width width = cfg::Width::Text;
 };
 
-const std::vector<Preference>& preferenceTable() {
-    static const std::vector<Preference> table{
-        {"Version", [](PRuntimeConfig& c) -> json { return c.version().toStdString(); }, {}, {}},
-        {"NewInstall", [](PRuntimeConfig& c) -> json { return c.newInstall(); }, {}, {}},
-        {"NewUpdate", [](PRuntimeConfig& c) -> json { return c.newUpdate(); }, {}, {}},
-        {"LastSkin", [](PRuntimeConfig& c) -> json { return c.getLastSkin().toStdString(); },
-         textParser("LastSkin"),
-         [](PRuntimeConfig& c, const json& v) { c.setLastSkin(NString(v.get<std::string>())); }},
-        {"PopupTimeADAPP", [](PRuntimeConfig& c) -> json { return c.getPopupTimeADAPP(); },
-         uint64Parser("PopupTimeADAPP"),
-         [](PRuntimeConfig& c, const json& v) {
-             c.setPopupTimeADAPP(v.get<unsigned long long>());
-         }},
-        {"SameTimeDownloadNumber",
-         [](PRuntimeConfig& c) -> json { return c.getSameTimeDownloadNumber(); },
-         int32Parser("SameTimeDownloadNumber"),
-         [](PRuntimeConfig& c, const json& v) { c.setSameTimeDownloadNumber(v.get<int>()); }},
-        {"DownloadMaxSpeed", [](PRuntimeConfig& c) -> json { return c.getDownloadMaxSpeed(); },
-         int32Parser("DownloadMaxSpeed"),
-         [](PRuntimeConfig& c, const json& v) { c.setDownloadMaxSpeed(v.get<long long>()); }},
-        {"LastLanguage",
-         [](PRuntimeConfig& c) -> json { return static_cast<int>(c.getLastLanguage()); },
-         int32Parser("LastLanguage"),
-         [](PRuntimeConfig& c, const json& v) {
-             c.setLastLanguage(EPALLIX_RUNTIME_LANGUAGE(v.get<int>()));
-         }},
-        {"RestoreCore",
-         [](PRuntimeConfig& c) -> json { return static_cast<int>(c.getRestoreCore()); },
-         int32Parser("RestoreCore"),
-         [](PRuntimeConfig& c, const json& v) {
-             c.setRestoreCore(EPALLIX_RUNTIME_RESTORE_CORE(v.get<int>()));
-         }},
-    };
+template <typename Value> std::function<json(C&)> getter(Value (C::*get)()) {
+    return [get](C& config) { return toJson((config.*get)()); };
+}
+
+template <typename Value, typename Argument>
+Scalar preference(Value (C::*get)(), void (C::*set)(Argument)) {
+    return {{}, getter(get), [set](C& config, const json& value) {
+                (config.*set)(fromJson<std::decay_t<Argument>>(value));
+            }};
+}
+
+const std::vector<Scalar>& scalars() {
+    static const std::vector<Scalar> table = [] {
+        std::vector<Scalar> list{{"Version", getter(&C::version)},
+                                 {"NewInstall", getter(&C::newInstall)},
+                                 {"NewUpdate", getter(&C::newUpdate)}};
+        // The library's accessors of each preference, by the element that keeps it in the file.
+        const std::map<std::string, Scalar> accessors{
+            {cfg::kPopupTimeADAPP, preference(&C::getPopupTimeADAPP, &C::setPopupTimeADAPP)},
+            {cfg::kSameTimeDownloadNumber,
+             preference(&C::getSameTimeDownloadNumber, &C::setSameTimeDownloadNumber)},
+            {cfg::kDownloadMaxSpeed, preference(&C::getDownloadMaxSpeed, &C::setDownloadMaxSpeed)},
+            {cfg::kLastSkin, preference(&C::getLastSkin, &C::setLastSkin)},
+            {cfg::kLastLanguage, preference(&C::getLastLanguage, &C::setLastLanguage)},
+            {cfg::kRestoreCore, preference(&C::getRestoreCore, &C::setRestoreCore)}};
+        for (const cfg::Preference& preference : cfg::kPreferences) {
+            list.push_back(accessors.at(preference.element));
+            list.back().name = preference.element;
+            list.back().width = preference.width;
+        }
+        return list;
+    }();
     return table;
 }
 
-std::vector<std::string> preferenceNames() {
+std::vector<std::string> scalarNames(bool settable) {
     std::vector<std::string> names;
-    for (const Preference& preference : preferenceTable()) {
-        names.emplace_back(preference.name);
+    for (const Scalar& scalar : scalars()) {
+        if (bool(scalar.set) == settable) {
+            names.push_back(scalar.name);
+        }
     }
     return names;
 }
 
-const std::vector<std::string>& families() {
-    static const std::vector<std::string> names{"Status", "Tools", "AutoImport", "Directory"};
-    return names;
+// ---- the maps, whose keys are FAMILY/NAME
+
+// The application answers for the known names even when they were never stored; a map that
+// cannot be traversed holds nothing else.
+struct Family {
+    const char* name;
+    std::function<void(C&, Entries&)> traverse;
+    std::function<void(C&, const NString&, const json&)> set;
+    std::vector<std::string> known = {};
+    std::function<json(C&, const NString&)> get = {}; // of a known name
+    bool paths = false;                               // holds paths; the others hold flags
+};
+
+// A map as the library's traversal and setter give it; a map of text holds paths.
+template <typename Value>
+Family map(const char* name,
+           void (C::*traverse)(const std::function<void(const NString&, Value)>&) const,
+           void (C::*set)(const NString&, Value)) {
+    return {name,
+            [traverse](C& config, Entries& entries) {
+                (config.*traverse)([&entries](const NString& entry, Value value) {
+                    entries.emplace_back(entry.toStdString(), toJson(value));
+                });
+            },
+            [set](C& config, const NString& entry, const json& value) {
+                (config.*set)(entry, fromJson<std::decay_t<Value>>(value));
+            },
+            {},
+            {},
+            std::is_same_v<std::decay_t<Value>, NString>};
 }
 
-Setting preferenceSetting(PRuntimeConfig* config, const std::string& key) {
-    for (const Preference& preference : preferenceTable()) {
-        if (key != preference.name) {
-            continue;
+const std::vector<Family>& families() {
+    static const std::vector<Family> table = [] {
+        Family status = map(cfg::kStatus, &C::settingStatusTraverse, &C::setSettingStatus);
+        for (const cfg::KnownSetting& setting : cfg::kKnownSettings) {
+            status.known.emplace_back(setting.name);
         }
-        Setting setting{key, std::nullopt, preference.parse, {}, {}};
-        if (config != nullptr) {
-            setting.current = preference.get(*config);
-            if (preference.set) {
-                setting.store = [config, set = preference.set](const json& value) {
-                    set(*config, value);
-                };
-            }
-        }
-        return setting;
+        status.get = [](C& c, const NString& name) -> json { return c.getSettingStatus(name); };
+        // The library offers the ringtone's flag alone, with its own default.
+        const Family autoImport{
+            cfg::kAutoImport,
+            nullptr,
+            [](C& c, const NString&, const json& on) { c.setAutoImportRingtone(on.get<bool>()); },
+            {cfg::kRingtone},
+            [](C& c, const NString&) -> json { return c.getAutoImportRingtone(); }};
+        return std::vector<Family>{
+            status, map(cfg::kTools, &C::toolsHotTraverse, &C::setToolsHot), autoImport,
+            map(cfg::kDirectory, &C::configDirectoryTraverse, &C::setConfigDirectory)};
+    }();
+    return table;
+}
+
+bool holds(const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// The maps' keys for help texts: "Status/NAME", "AutoImport/Ringtone".
+std::string familyKey(const Family& family) {
+    return family.name + ("/" + (family.traverse ? "NAME" : joined(family.known)));
+}
+
+std::string keysHelp() {
+    std::vector<std::string> keys;
+    for (const Family& family : families()) {
+        keys.push_back(familyKey(family));
     }
-    failUsage("unknown key '" + key +
-              "' (a preference, Version, NewInstall, NewUpdate, or Status/NAME, Tools/NAME, "
-              "AutoImport/Ringtone, Directory/NAME)" +
-              didYouMean(key, preferenceNames()));
+    return "a preference (" + joined(scalarNames(true)) + "), a fact of start-up (" +
+           joined(scalarNames(false)) + "), or " + joined(keys);
 }
 
-// The names and values of a family, as its traversal gives them.
-using Entries = std::vector<std::pair<std::string, json>>;
-
-Entries
-flagEntries(const std::function<void(const std::function<void(const NString&, bool)>&)>& traverse) {
+// What the map holds, as its traversal gives it.
+Entries stored(C& config, const Family& family) {
     Entries entries;
-    traverse([&entries](const NString& name, bool value) {
-        entries.emplace_back(name.toStdString(), value);
-    });
+    if (family.traverse) {
+        family.traverse(config, entries);
+    }
     return entries;
 }
 
-Entries familyEntries(PRuntimeConfig& config, const std::string& family) {
-    if (family == "Status") {
-        return flagEntries([&config](const auto& visit) { config.settingStatusTraverse(visit); });
+// ---- the keys
+
+// What a key names: a scalar, or a name in a map. A key is checked before the configuration
+// starts, so that a refused command starts nothing.
+struct Key {
+    std::string text;
+    const Scalar* scalar = nullptr;
+    const Family* family = nullptr;
+    std::string name = {};
+};
+
+Key parseKey(const std::string& text) {
+    Key key{text};
+    const auto slash = text.find('/');
+    if (slash == std::string::npos) {
+        std::vector<std::string> names;
+        for (const Scalar& scalar : scalars()) {
+            key.scalar = scalar.name == text ? &scalar : key.scalar;
+            names.push_back(scalar.name);
+        }
+        if (key.scalar == nullptr) {
+            failUsage("unknown key '" + text + "': a key is " + keysHelp() +
+                      didYouMean(text, names));
+        }
+        return key;
     }
-    if (family == "Tools") {
-        return flagEntries([&config](const auto& visit) { config.toolsHotTraverse(visit); });
+    const std::string family = text.substr(0, slash);
+    std::vector<std::string> names;
+    for (const Family& candidate : families()) {
+        key.family = family == candidate.name ? &candidate : key.family;
+        names.emplace_back(candidate.name);
     }
-    Entries entries;
-    config.configDirectoryTraverse([&entries](const NString& name, const NString& path) {
-        entries.emplace_back(name.toStdString(), path.toStdString());
-    });
-    return entries;
+    key.name = text.substr(slash + 1);
+    if (key.family == nullptr) {
+        failUsage("unknown key '" + text + "': no family '" + family + "' (" + joined(names) + ")" +
+                  didYouMean(family, names));
+    }
+    if (key.name.empty()) {
+        failUsage("unknown key '" + text + "': a name must follow '" + family + "/'");
+    }
+    xmlText("the name in '" + text + "'", key.name);
+    if (!key.family->traverse && !holds(key.family->known, key.name)) {
+        failUsage("unknown key '" + text + "': " + family + " holds only " +
+                  joined(key.family->known));
+    }
+    return key;
 }
 
-Setting familySetting(PRuntimeConfig* config, const std::string& key, const std::string& family,
-                      const std::string& name) {
-    const std::string problem = xmlTextProblem(name);
-    if (!problem.empty()) {
-        failUsage("the name in '" + key + "' has " + problem);
+// What the configuration holds for the key; nothing for a name that its map does not hold.
+std::optional<json> current(C& config, const Key& key) {
+    if (key.scalar != nullptr) {
+        return key.scalar->get(config);
     }
-    if (family == "AutoImport" && name != "Ringtone") {
-        failUsage("unknown key '" + key + "': AutoImport holds only Ringtone");
+    if (holds(key.family->known, key.name)) {
+        return key.family->get(config, NString(key.name));
     }
-    Setting setting{
-        key, std::nullopt, family == "Directory" ? textParser(key) : booleanParser(key), {}, {}};
-    if (config == nullptr) {
-        return setting;
-    }
-    PRuntimeConfig& c = *config;
-    if (family == "AutoImport") {
-        // The library answers a documented default for Ringtone, stored or not.
-        setting.current = c.getAutoImportRingtone();
-        setting.store = [&c](const json& value) { c.setAutoImportRingtone(value.get<bool>()); };
-        return setting;
-    }
-    for (const auto& [stored, value] : familyEntries(c, family)) {
-        setting.neighbours.push_back(stored);
-        if (stored == name) {
-            setting.current = value;
+    for (const auto& [name, value] : stored(config, *key.family)) {
+        if (name == key.name) {
+            return value;
         }
     }
-    if (family == "Status") {
-        // A known setting answers with its default even when it was never stored.
-        for (const std::string& known : knownSettings()) {
-            setting.neighbours.push_back(known);
-            if (known == name && !setting.current) {
-                setting.current = c.getSettingStatus(NString(name));
-            }
+    return std::nullopt;
+}
+
+void get(const ConfigOptions& options, const std::string& text) {
+    const Key key = parseKey(text);
+    ConfigSession session(options, false);
+    const std::optional<json> value = current(session.config(), key);
+    if (!value) {
+        std::vector<std::string> names;
+        for (const auto& entry : stored(session.config(), *key.family)) {
+            names.push_back(entry.first);
         }
-        setting.store = [&c, name](const json& value) {
-            c.setSettingStatus(NString(name), value.get<bool>());
-        };
-    } else if (family == "Tools") {
-        setting.store = [&c, name](const json& value) {
-            c.setToolsHot(NString(name), value.get<bool>());
-        };
+        names.insert(names.end(), key.family->known.begin(), key.family->known.end());
+        failNotFound(text + ": not found; the configuration holds no such name" +
+                     didYouMean(key.name, names));
+    }
+    if (options.json) {
+        printJson(json{{"key", text}, {"value", *value}});
     } else {
-        setting.store = [&c, name](const json& value) {
-            c.setConfigDirectory(NString(name), NString(value.get<std::string>()));
-        };
+        std::cout << plainText(*value) << '\n';
     }
-    return setting;
+}
+
+void set(const ConfigOptions& options, const std::string& text, const std::string& valueText) {
+    const Key key = parseKey(text);
+    if (key.scalar != nullptr && !key.scalar->set) {
+        failUsage("'" + text + "' is found at start-up and cannot be set");
+    }
+    const json value = key.scalar != nullptr ? parseValue(text, key.scalar->width, valueText)
+                       : key.family->paths   ? parseValue(text, cfg::Width::Text, valueText)
+                                             : parseFlag(text, valueText);
+
+    ConfigSession session(options, true);
+    const std::optional<json> was = current(session.config(), key);
+    if (was == value) {
+        std::cout << text << ": already " << plainText(value) << "; nothing changed\n";
+        return;
+    }
+    if (key.scalar != nullptr) {
+        key.scalar->set(session.config(), value);
+    } else {
+        key.family->set(session.config(), NString(key.name), value);
+    }
+    session.requireWritten();
+    std::cout << text << ": " << plainText(value)
+              << (was ? " (was " + plainText(*was) + ")" : " (new)") << '\n';
+    // Any name is stored, but a new one beside the names that the application knows is more
+    // likely a mistyped one.
+    if (!was && !key.family->known.empty()) {
+        reportNote("'" + key.name + "' is not a setting that the application knows" +
+                   didYouMean(key.name, key.family->known));
+    }
 }
 
 } // namespace
 
-const std::vector<std::string>& knownSettings() {
-    // getSettingStatus() answers these by name even before one is stored.
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> list;
-        for (const auto& setting : format::configuration::kKnownSettings) {
-            list.emplace_back(setting.name);
+void addSettings(PRuntimeConfig& config, nlohmann::ordered_json& document) {
+    // The facts come first in the table, and so before the preferences in the document.
+    for (const Scalar& scalar : scalars()) {
+        (scalar.set ? document["preferences"][scalar.name] : document[lowerCamel(scalar.name)]) =
+            scalar.get(config);
+    }
+    for (const Family& family : families()) {
+        // The known names first, with what the application answers for them, then the others.
+        json& values = document[lowerCamel(family.name)] = json::object();
+        for (const std::string& name : family.known) {
+            values[name] = family.get(config, NString(name));
         }
-        return list;
-    }();
-    return names;
+        for (const auto& [name, value] : stored(config, family)) {
+            if (!holds(family.known, name)) {
+                values[name] = value;
+            }
+        }
+    }
 }
 
-Setting resolveSetting(PRuntimeConfig* config, const std::string& key) {
-    const auto slash = key.find('/');
-    if (slash == std::string::npos) {
-        return preferenceSetting(config, key);
-    }
-    const std::string family = key.substr(0, slash);
-    const std::string name = key.substr(slash + 1);
-    bool known = false;
-    for (const std::string& candidate : families()) {
-        known = known || candidate == family;
-    }
-    if (!known) {
-        failUsage("unknown key '" + key + "': no family '" + family +
-                  "' (Status, Tools, AutoImport or Directory)" + didYouMean(family, families()));
-    }
-    if (name.empty()) {
-        failUsage("unknown key '" + key + "': a name must follow '" + family + "/'");
-    }
-    return familySetting(config, key, family, name);
-}
-
-std::string plainText(const nlohmann::json& value) {
+std::string plainText(const nlohmann::ordered_json& value) {
     return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-std::vector<std::pair<std::string, nlohmann::json>> preferences(PRuntimeConfig& config) {
-    std::vector<std::pair<std::string, nlohmann::json>> values;
-    for (const Preference& preference : preferenceTable()) {
-        if (preference.set) {
-            values.emplace_back(preference.name, preference.get(config));
-        }
+void addSettingActions(CLI::App& group, ConfigOptions& options) {
+    static std::string key;
+    static std::string value;
+    CLI::App& getCommand = addConfigCommand(
+        group, options, "get",
+        "Print one value: " + keysHelp() +
+            ". A name that the configuration does not hold is not found; the settings that the "
+            "application knows are found with their defaults. With --json: {\"key\": KEY, "
+            "\"value\": VALUE}, the value a string, a number or a boolean.",
+        std::string("pallix config get ") + cfg::kStatus + "/" + cfg::kSettingITunesAutorun,
+        "0 printed; 1 the configuration holds no such name", true);
+    getCommand.add_option("key", key, "What to print")->required();
+    getCommand.callback([&options] { get(options, key); });
+
+    std::vector<std::string> keys;
+    for (const Family& family : families()) {
+        keys.push_back(familyKey(family) + (family.paths ? " (a path)" : " (true or false)"));
     }
-    return values;
+    std::map<cfg::Width, std::vector<std::string>> widths;
+    for (const cfg::Preference& preference : cfg::kPreferences) {
+        widths[preference.width].emplace_back(preference.element);
+    }
+    CLI::App& setCommand = addConfigCommand(
+        group, options, "set",
+        "Change a preference, or " + joined(keys) +
+            ". Numbers are refused beyond what the configuration keeps when it is read again: "
+            "32 bits for " +
+            joined(widths[cfg::Width::Int32], "and") + ", unsigned 64 bits for " +
+            joined(widths[cfg::Width::UInt64], "and") + ". Prints what changed.",
+        std::string("pallix config set ") + cfg::kStatus + "/" + cfg::kSettingKeepFirmwareCache +
+            " false",
+        "0 changed, or already so (nothing written); 1 the change could not be written");
+    setCommand.add_option("key", key, "What to change")->required();
+    setCommand.add_option("value", value, "The new value")->required();
+    setCommand.callback([&options] { set(options, key, value); });
 }
 
 } // namespace pallix::tool::config
