@@ -120,7 +120,7 @@ const List& parseList(const std::string& name) {
             return list;
         }
     }
-    failUsage("unknown list '" + name + "' (" + joined(listNames(false)) + ")" +
+    failUsage("unknown list '" + name + "' (" + joined(listNames(false), "or") + ")" +
               didYouMean(name, listNames(false)));
 }
 
@@ -294,7 +294,7 @@ void addListActions(CLI::App& group, ConfigOptions& options) {
     static std::string name;
     static std::vector<std::string> values;
     static bool root = false;
-    const std::string names = joined(listNames(false));
+    const std::string names = joined(listNames(false), "or");
     std::vector<std::string> adding;
     std::vector<std::string> removing;
     for (const List& list : lists()) {
@@ -354,10 +354,10 @@ void addListActions(CLI::App& group, ConfigOptions& options) {
     }
 
     CLI::App& clearCommand = addConfigCommand(
-        group, options, "clear", "Empty a place list: " + joined(listNames(true)) + ".",
+        group, options, "clear", "Empty a place list: " + joined(listNames(true), "or") + ".",
         std::string("pallix config clear ") + cfg::kVirtualLocation,
         "0 cleared, or already empty (nothing written); 1 a change that could not be written");
-    clearCommand.add_option("list", name, joined(listNames(true)))->required();
+    clearCommand.add_option("list", name, joined(listNames(true), "or"))->required();
     clearCommand.callback([&options] {
         const List& list = parseList(name);
         if (list.clear == nullptr) {

@@ -56,15 +56,6 @@ CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char*
     return command;
 }
 
-std::string joined(const std::vector<std::string>& words, const char* last) {
-    std::string text;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        text += (i == 0 ? "" : i + 1 == words.size() ? std::string(" ") + last + " " : ", ");
-        text += words[i];
-    }
-    return text;
-}
-
 std::string lowerCamel(std::string name) {
     name[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[0])));
     return name;

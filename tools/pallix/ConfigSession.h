@@ -22,14 +22,12 @@ struct ConfigOptions {
 };
 
 // Adds the group (to the tool) or an action (to the group) with --config-dir, --resources-dir,
-// --force and, where it prints values, --json. Its help ends with the example, then with the
-// exit statuses followed by those that every start of the configuration may end with.
+// --force and, where it prints values, --json. Its help gives the exit statuses, followed by
+// those that every start of the configuration may end with, then ends with the example.
 CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char* name,
                            const std::string& description, const std::string& example,
                            const std::string& statuses, bool json = false);
 
-// "A, B or C", for help texts that list what a table holds.
-std::string joined(const std::vector<std::string>& words, const char* last = "or");
 // The name --json gives to an element of the file: "CustomBackup" becomes "customBackup".
 std::string lowerCamel(std::string name);
 // The text, or a usage error "WHAT has PROBLEM" when an XML file cannot carry it.

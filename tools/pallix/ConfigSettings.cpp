@@ -189,7 +189,7 @@ bool holds(const std::vector<std::string>& names, const std::string& name) {
 
 // The maps' keys for help texts: "Status/NAME", "AutoImport/Ringtone".
 std::string familyKey(const Family& family) {
-    return family.name + ("/" + (family.traverse ? "NAME" : joined(family.known)));
+    return family.name + ("/" + (family.traverse ? "NAME" : joined(family.known, "or")));
 }
 
 std::string keysHelp() {
@@ -197,8 +197,8 @@ std::string keysHelp() {
     for (const Family& family : families()) {
         keys.push_back(familyKey(family));
     }
-    return "a preference (" + joined(scalarNames(true)) + "), a fact of start-up (" +
-           joined(scalarNames(false)) + "), or " + joined(keys);
+    return "a preference (" + joined(scalarNames(true), "or") + "), a fact of start-up (" +
+           joined(scalarNames(false), "or") + "), or " + joined(keys, "or");
 }
 
 // What the map holds, as its traversal gives it.
@@ -244,8 +244,8 @@ Key parseKey(const std::string& text) {
     }
     key.name = text.substr(slash + 1);
     if (key.family == nullptr) {
-        failUsage("unknown key '" + text + "': no family '" + family + "' (" + joined(names) + ")" +
-                  didYouMean(family, names));
+        failUsage("unknown key '" + text + "': no family '" + family + "' (" + joined(names, "or") +
+                  ")" + didYouMean(family, names));
     }
     if (key.name.empty()) {
         failUsage("unknown key '" + text + "': a name must follow '" + family + "/'");
@@ -253,7 +253,7 @@ Key parseKey(const std::string& text) {
     xmlText("the name in '" + text + "'", key.name);
     if (!key.family->traverse && !holds(key.family->known, key.name)) {
         failUsage("unknown key '" + text + "': " + family + " holds only " +
-                  joined(key.family->known));
+                  joined(key.family->known, "or"));
     }
     return key;
 }
@@ -375,7 +375,7 @@ void addSettingActions(CLI::App& group, ConfigOptions& options) {
     }
     CLI::App& setCommand = addConfigCommand(
         group, options, "set",
-        "Change a preference, or " + joined(keys) +
+        "Change a preference, or " + joined(keys, "or") +
             ". Numbers are refused beyond what the configuration keeps when it is read again: "
             "32 bits for " +
             joined(widths[cfg::Width::Int32], "and") + ", unsigned 64 bits for " +

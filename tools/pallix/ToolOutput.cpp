@@ -87,12 +87,14 @@ std::string paint(Colour colour, const std::string& text, int fileDescriptor) {
     return code + text + "\033[0m";
 }
 
-std::string joined(const std::vector<std::string>& texts) {
-    std::string list;
-    for (const std::string& text : texts) {
-        list += (list.empty() ? "" : ", ") + text;
+std::string joined(const std::vector<std::string>& words, const char* last) {
+    std::string text;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const bool final = i > 0 && i + 1 == words.size() && last != nullptr;
+        text += i == 0 ? "" : final ? std::string(" ") + last + " " : ", ";
+        text += words[i];
     }
-    return list;
+    return text;
 }
 
 void setExample(CLI::App& command, const std::string& example) {

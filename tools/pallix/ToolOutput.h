@@ -31,8 +31,8 @@ void printJson(const nlohmann::ordered_json& document);
 void printFields(const std::vector<std::string>& fields);
 std::string escapeField(const std::string& field);
 
-// The texts one after the other, separated by ", ", for messages that list a closed set.
-std::string joined(const std::vector<std::string>& texts);
+// "A, B or C" (with `last` "or"), or "A, B, C" without one: a closed set in a message.
+std::string joined(const std::vector<std::string>& words, const char* last = nullptr);
 
 // Colour for a terminal that shows it: never when the stream is not a terminal, when NO_COLOR
 // is set (to anything) or when TERM is "dumb".
