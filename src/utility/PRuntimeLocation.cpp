@@ -4,6 +4,7 @@
 #include "Operation.h"
 
 #include <cmath>
+#include <limits>
 
 // The literal values, not expressions: every build must produce the same bits.
 const double PI = 3.141592653589793;
@@ -86,6 +87,46 @@ Offset gcjOffset(double longitude, double latitude) noexcept {
     return {dLng * 180.0 / parallelHalfCircle, dLat * 180.0 / meridianHalfCircle};
 }
 
+struct Point {
+    double longitude;
+    double latitude;
+};
+
+// The WGS-84 point w whose GCJ-02 image w + d(w) is g, by the fixed-point iteration
+// w <- g - d(w), which starts at g (its first step is the single-step inverse, though not in
+// that operation's rounding). Inside the rectangle the offset changes by less than 0.01 degree
+// per degree (0.007 at most, near 53.5 degrees north), so each step gains at least two digits
+// and a handful of steps reach the tolerance. The root of |x| is steeper than that only within
+// about 1e-12 degrees of longitude 105, where it changes by less than the tolerance anyway.
+//
+// The change of a step, w_next - w = g - (w + d(w)), is also how far w's image misses g; so the
+// iteration stops once a step changes less than the tolerance, taking the newer point, and
+// otherwise (only where a subclass's region admits points where the iteration cannot settle,
+// as near the poles) ends after a fixed number of steps with the point whose image came
+// nearest. A point whose offset is not a number never comes nearest: g passes unchanged.
+Point exactInverse(double longitude, double latitude) noexcept {
+    constexpr double tolerance = 1e-12;
+    constexpr int maximumSteps = 20;
+    Point point{longitude, latitude};
+    Point nearest = point;
+    double nearestMiss = std::numeric_limits<double>::infinity();
+    for (int step = 0; step < maximumSteps; ++step) {
+        const Offset offset = gcjOffset(point.longitude, point.latitude);
+        const Point next{longitude - offset.longitude, latitude - offset.latitude};
+        const double missLongitude = std::fabs(next.longitude - point.longitude);
+        const double missLatitude = std::fabs(next.latitude - point.latitude);
+        if (missLongitude < tolerance && missLatitude < tolerance) {
+            return next;
+        }
+        if (missLongitude + missLatitude < nearestMiss) {
+            nearestMiss = missLongitude + missLatitude;
+            nearest = point;
+        }
+        point = next;
+    }
+    return nearest;
+}
+
 } // namespace
 
 double transformlat(double x, double y) noexcept {
@@ -166,6 +207,24 @@ void PRuntimeLocation::GCJ02_TO_WGS84(double* longitude, double* latitude) const
         const Offset offset = gcjOffset(lng, lat);
         *longitude = 2.0 * lng - (lng + offset.longitude);
         *latitude = 2.0 * lat - (lat + offset.latitude);
+    });
+}
+
+void PRuntimeLocation::GCJ02_TO_WGS84_EXACT(double* longitude, double* latitude) const {
+    pallix::operation([&] {
+        if (longitude == nullptr || latitude == nullptr) {
+            return;
+        }
+        const double lng = *longitude;
+        const double lat = *latitude;
+        if (isChina(lng, lat)) {
+            *longitude = lng;
+            *latitude = lat;
+            return;
+        }
+        const Point wgs = exactInverse(lng, lat);
+        *longitude = wgs.longitude;
+        *latitude = wgs.latitude;
     });
 }
 
