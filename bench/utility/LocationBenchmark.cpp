@@ -1,7 +1,12 @@
 // Costs of the coordinate conversions. Each conversion is timed over a million points and, in
 // the same iteration, so is its baseline: the bare calls of sin, cos, atan2 and sqrt that the
 // published formulas name for the same points. The counters give nanoseconds per conversion and
-// the ratio to that baseline, which says more across machines than the raw times do.
+// the ratio to that baseline, which says more across machines than the raw times do. The two
+// inverses of WGS84_TO_GCJ02, the single-step one and the exact one, are also timed against
+// that forward conversion (BM_..._to_forward).
+//
+// location_round_trip (LocationRoundTrip.cpp) measures how far each inverse lands from the
+// starting point, in metres.
 //
 // bench/utility/compare-coordtransform.sh times a peer (coordtransform on node) on the same
 // points; it prints nanoseconds per conversion to set beside ns_per_item here.
@@ -200,11 +205,33 @@ void BM_BD09_TO_GCJ02(benchmark::State& state) {
     convertPoints<baiduToGcjCalls>(state, &PRuntimeLocation::BD09_TO_GCJ02);
 }
 
+// The two inverses against the forward conversion, each on the same points taken as GCJ-02 (all
+// inside the region), alternating within each iteration.
+void inverseToForward(benchmark::State& state, Conversion inverse) {
+    const PRuntimeLocation* location = PRuntime::getInstance()->location();
+    Clock::duration work{};
+    Clock::duration forward{};
+    for (auto _ : state) {
+        work += convertOnce(location, inverse);
+        forward += convertOnce(location, &PRuntimeLocation::WGS84_TO_GCJ02);
+    }
+    report(state, work, forward);
+}
+
+void BM_GCJ02_TO_WGS84_to_forward(benchmark::State& state) {
+    inverseToForward(state, &PRuntimeLocation::GCJ02_TO_WGS84);
+}
+void BM_GCJ02_TO_WGS84_EXACT_to_forward(benchmark::State& state) {
+    inverseToForward(state, &PRuntimeLocation::GCJ02_TO_WGS84_EXACT);
+}
+
 } // namespace
 
 BENCHMARK(BM_WGS84_TO_GCJ02)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_GCJ02_TO_WGS84)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_GCJ02_TO_BD09)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BD09_TO_GCJ02)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_GCJ02_TO_WGS84_to_forward)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_GCJ02_TO_WGS84_EXACT_to_forward)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();
