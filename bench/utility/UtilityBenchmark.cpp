@@ -1,59 +1,22 @@
-// Costs of the text and coordinate helpers. Every benchmark times its work and, in the same
-// run, a baseline of comparable plain work; the counters give nanoseconds per item and the
-// ratio to that baseline, which says more across machines than the raw times do.
+// Costs of the text helpers (the coordinate conversions are timed in LocationBenchmark.cpp).
+// Every benchmark times its work and, in the same run, a baseline of comparable plain work; the
+// counters give nanoseconds per item and the ratio to that baseline, which says more across
+// machines than the raw times do.
 
 #include "NString.h"
 #include "PRuntime.h"
-#include "PRuntimeLocation.h"
 #include "PRuntimeString.h"
 
 #include <benchmark/benchmark.h>
 
 #include <chrono>
-#include <cmath>
-#include <vector>
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int pointCount = 1000000;
-
-struct Point {
-    double longitude;
-    double latitude;
-};
-
-// A million points spread over the region where the shifts apply, so that every conversion
-// does its full work.
-const std::vector<Point>& points() {
-    static const std::vector<Point> all = [] {
-        std::vector<Point> result;
-        result.reserve(pointCount);
-        for (int i = 0; i < pointCount; ++i) {
-            result.push_back({74.0 + (i % 1000) * 0.0605, 4.0 + (i / 1000) * 0.0495});
-        }
-        return result;
-    }();
-    return all;
-}
-
 double nanoseconds(Clock::duration elapsed) {
     return std::chrono::duration<double, std::nano>(elapsed).count();
-}
-
-// One sin, cos, atan2 and sqrt per point: the library functions the conversions are made of.
-double timeMathLoop(benchmark::IterationCount rounds) {
-    double sink = 0.0;
-    const auto start = Clock::now();
-    for (benchmark::IterationCount round = 0; round < rounds; ++round) {
-        for (const Point& p : points()) {
-            sink += std::sin(p.longitude) + std::cos(p.latitude) +
-                    std::atan2(p.latitude, p.longitude) + std::sqrt(p.longitude);
-        }
-        benchmark::DoNotOptimize(sink);
-    }
-    return nanoseconds(Clock::now() - start) / (static_cast<double>(rounds) * pointCount);
 }
 
 void report(benchmark::State& state, double perItem, double baselinePerItem, double items) {
@@ -61,43 +24,6 @@ void report(benchmark::State& state, double perItem, double baselinePerItem, dou
     state.counters["baseline_ns_per_item"] = baselinePerItem;
     state.counters["ratio_to_baseline"] = baselinePerItem > 0.0 ? perItem / baselinePerItem : 0.0;
     state.SetItemsProcessed(static_cast<int64_t>(items));
-}
-
-using Conversion = void (PRuntimeLocation::*)(double*, double*) const;
-
-void convertPoints(benchmark::State& state, Conversion conversion) {
-    // Through the root, as the application calls it: a virtual call per point.
-    const PRuntimeLocation* location = PRuntime::getInstance()->location();
-    Clock::duration elapsed{};
-    double sink = 0.0;
-    for (auto _ : state) {
-        const auto start = Clock::now();
-        for (const Point& p : points()) {
-            double longitude = p.longitude;
-            double latitude = p.latitude;
-            (location->*conversion)(&longitude, &latitude);
-            sink += longitude + latitude;
-        }
-        elapsed += Clock::now() - start;
-        benchmark::DoNotOptimize(sink);
-    }
-    const double perPoint =
-        nanoseconds(elapsed) / (static_cast<double>(state.iterations()) * pointCount);
-    report(state, perPoint, timeMathLoop(state.iterations()),
-           static_cast<double>(state.iterations()) * pointCount);
-}
-
-void BM_WGS84_TO_GCJ02(benchmark::State& state) {
-    convertPoints(state, &PRuntimeLocation::WGS84_TO_GCJ02);
-}
-void BM_GCJ02_TO_WGS84(benchmark::State& state) {
-    convertPoints(state, &PRuntimeLocation::GCJ02_TO_WGS84);
-}
-void BM_GCJ02_TO_BD09(benchmark::State& state) {
-    convertPoints(state, &PRuntimeLocation::GCJ02_TO_BD09);
-}
-void BM_BD09_TO_GCJ02(benchmark::State& state) {
-    convertPoints(state, &PRuntimeLocation::BD09_TO_GCJ02);
 }
 
 // Times `work` against `baseline` over the same number of items.
@@ -164,10 +90,6 @@ void BM_convertToQString(benchmark::State& state) {
 
 } // namespace
 
-BENCHMARK(BM_WGS84_TO_GCJ02)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_GCJ02_TO_WGS84)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_GCJ02_TO_BD09)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_BD09_TO_GCJ02)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_stringFromSize)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_convertToNString)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_convertToQString)->Unit(benchmark::kMillisecond);

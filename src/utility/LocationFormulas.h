@@ -11,6 +11,8 @@ extern const double _ValueA;
 extern const double ee;
 
 // The GCJ-02 offset polynomials, in metres-like units that the ellipsoid's radii of curvature
-// turn into degrees; both take x = longitude - 105 and y = latitude - 35.
+// turn into degrees; both take x = longitude - 105 and y = latitude - 35. The conversions do not
+// call them one after the other: they evaluate both at once, taking the terms the two share
+// (the root of |x|, the sines of 6x*pi and 2x*pi) once, with the same bits as these give.
 double transformlat(double x, double y) noexcept;
 double transformlng(double x, double y) noexcept;

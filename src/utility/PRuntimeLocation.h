@@ -28,4 +28,14 @@ public:
     // A single-step inverse of WGS84_TO_GCJ02, close to but not exactly the starting point.
     virtual void GCJ02_TO_WGS84(double* longitude, double* latitude) const;
     virtual void WGS84_TO_GCJ02(double* longitude, double* latitude) const;
+
+    // The exact inverse of WGS84_TO_GCJ02, beside the single-step GCJ02_TO_WGS84 (which stays as
+    // it is): the WGS-84 point whose GCJ-02 image is the given point, to within 1e-12 degrees.
+    // It iterates the offset formula, a few steps each about as costly as WGS84_TO_GCJ02. The
+    // region rule is GCJ02_TO_WGS84's: isChina() is asked, through the virtual table, about the
+    // GCJ-02 input, and a point it calls outside passes unchanged, so NaNs and infinities do.
+    // Near the rectangle's edge the point found may lie just outside it, where WGS84_TO_GCJ02
+    // itself would not shift it: the inverse is that of the offset formula. No allocation; a
+    // null pointer makes it a no-op. Not virtual: it was added without touching the virtual table.
+    void GCJ02_TO_WGS84_EXACT(double* longitude, double* latitude) const;
 };

@@ -1,3 +1,4 @@
+#include "LocationReference.h"
 #include "VirtualSlot.h"
 
 #include "PRuntime.h"
@@ -14,88 +15,6 @@
 using pallix::test::virtualSlot;
 
 namespace {
-
-// The published datum-shift formulas, written out here on their own so that the library is
-// checked against them and not against itself. Terms are evaluated left to right in the
-// published order.
-namespace reference {
-
-const double pi = 3.141592653589793;
-const double xPi = 52.35987755982988;
-const double a = 6378245.0;
-const double ee = 0.006693421622965943;
-
-double latitudeOffset(double x, double y) {
-    double r =
-        -100.0 + 2.0 * x + 3.0 * y + 0.2 * y * y + 0.1 * x * y + 0.2 * std::sqrt(std::abs(x));
-    r += (20.0 * std::sin(6.0 * x * pi) + 20.0 * std::sin(2.0 * x * pi)) * 2.0 / 3.0;
-    r += (20.0 * std::sin(y * pi) + 40.0 * std::sin(y * pi / 3.0)) * 2.0 / 3.0;
-    r += (160.0 * std::sin(y * pi / 12.0) + 320.0 * std::sin(y * pi / 30.0)) * 2.0 / 3.0;
-    return r;
-}
-
-double longitudeOffset(double x, double y) {
-    double r = 300.0 + x + 2.0 * y + 0.1 * x * x + 0.1 * x * y + 0.1 * std::sqrt(std::abs(x));
-    r += (20.0 * std::sin(6.0 * x * pi) + 20.0 * std::sin(2.0 * x * pi)) * 2.0 / 3.0;
-    r += (20.0 * std::sin(x * pi) + 40.0 * std::sin(x * pi / 3.0)) * 2.0 / 3.0;
-    r += (150.0 * std::sin(x * pi / 12.0) + 300.0 * std::sin(x * pi / 30.0)) * 2.0 / 3.0;
-    return r;
-}
-
-bool outside(double lng, double lat) {
-    return !(lng > 73.66 && lng < 135.05 && lat > 3.86 && lat < 53.55);
-}
-
-struct Point {
-    double lng;
-    double lat;
-};
-
-Point offset(double lng, double lat) {
-    const double rawLat = latitudeOffset(lng - 105.0, lat - 35.0);
-    const double rawLng = longitudeOffset(lng - 105.0, lat - 35.0);
-    const double radLat = lat / 180.0 * pi;
-    const double s = std::sin(radLat);
-    const double magic = 1.0 - ee * s * s;
-    const double sqrtMagic = std::sqrt(magic);
-    return {rawLng * 180.0 / (a / sqrtMagic * std::cos(radLat) * pi),
-            rawLat * 180.0 / ((a * (1.0 - ee)) / (magic * sqrtMagic) * pi)};
-}
-
-Point wgsToGcj(double lng, double lat, bool testRegion = true) {
-    if (testRegion && outside(lng, lat)) {
-        return {lng, lat};
-    }
-    const Point d = offset(lng, lat);
-    return {lng + d.lng, lat + d.lat};
-}
-
-Point gcjToWgs(double lng, double lat) {
-    if (outside(lng, lat)) {
-        return {lng, lat};
-    }
-    const Point d = offset(lng, lat);
-    return {2.0 * lng - (lng + d.lng), 2.0 * lat - (lat + d.lat)};
-}
-
-Point gcjToBd(double lng, double lat) {
-    const double z = std::sqrt(lng * lng + lat * lat) + 0.00002 * std::sin(lat * xPi);
-    const double theta = std::atan2(lat, lng) + 0.000003 * std::cos(lng * xPi);
-    return {z * std::cos(theta) + 0.0065, z * std::sin(theta) + 0.006};
-}
-
-Point bdToGcj(double lng, double lat) {
-    if (outside(lng, lat)) {
-        return {lng, lat};
-    }
-    const double x = lng - 0.0065;
-    const double y = lat - 0.006;
-    const double z = std::sqrt(x * x + y * y) - 0.00002 * std::sin(y * xPi);
-    const double theta = std::atan2(y, x) - 0.000003 * std::cos(x * xPi);
-    return {z * std::cos(theta), z * std::sin(theta)};
-}
-
-} // namespace reference
 
 const double notANumber = std::numeric_limits<double>::quiet_NaN();
 const double infinity = std::numeric_limits<double>::infinity();
@@ -245,7 +164,9 @@ TEST_F(LocationTest, WgsToGcjMatchesTheFormulasOnTheGrid) {
 }
 
 TEST_F(LocationTest, GcjToWgsMatchesTheFormulasOnTheGrid) {
-    checkGrid(&PRuntimeLocation::GCJ02_TO_WGS84, reference::gcjToWgs, "GCJ02_TO_WGS84");
+    checkGrid(
+        &PRuntimeLocation::GCJ02_TO_WGS84,
+        [](double lng, double lat) { return reference::gcjToWgs(lng, lat); }, "GCJ02_TO_WGS84");
 }
 
 TEST_F(LocationTest, GcjToBdMatchesTheFormulasOnTheGrid) {
@@ -253,7 +174,9 @@ TEST_F(LocationTest, GcjToBdMatchesTheFormulasOnTheGrid) {
 }
 
 TEST_F(LocationTest, BdToGcjMatchesTheFormulasOnTheGrid) {
-    checkGrid(&PRuntimeLocation::BD09_TO_GCJ02, reference::bdToGcj, "BD09_TO_GCJ02");
+    checkGrid(
+        &PRuntimeLocation::BD09_TO_GCJ02,
+        [](double lng, double lat) { return reference::bdToGcj(lng, lat); }, "BD09_TO_GCJ02");
 }
 
 TEST_F(LocationTest, WgsToGcjShiftsBeijingByHundredsOfMetres) {

@@ -55,6 +55,7 @@ TEST(UtilitySymbols, ConvertersAreExported) {
     EXPECT_TRUE(exported.count("_80BAEFCF_853E_40F2_B25F_0FB5B8F4D46F(QString const&)"));
     EXPECT_TRUE(exported.count("_8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(NString const&)"));
     EXPECT_TRUE(exported.count("PRuntimeLocation::WGS84_TO_GCJ02(double*, double*) const"));
+    EXPECT_TRUE(exported.count("PRuntimeLocation::GCJ02_TO_WGS84_EXACT(double*, double*) const"));
     EXPECT_TRUE(exported.count("vtable for PRuntimeAnimation"));
 }
 
