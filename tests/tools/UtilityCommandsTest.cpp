@@ -5,12 +5,16 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
+#include <vector>
 
 using pallix::test::runTool;
 using pallix::test::ToolResult;
+using Json = nlohmann::json;
 
 namespace {
 
@@ -142,6 +146,47 @@ TEST(ToolCoord, EveryPairOfDatums) {
         EXPECT_EQ(result.status, 0) << way.from << " " << way.to << ": " << result.errors;
         EXPECT_EQ(result.output, exact(lng, lat)) << way.from << " " << way.to;
     }
+}
+
+TEST(ToolCoord, ExactInverseLandsWhereTheForwardShiftStarted) {
+    PRuntimeLocation location;
+    double lng = 116.397128;
+    double lat = 39.916527;
+    location.WGS84_TO_GCJ02(&lng, &lat);
+    char longitude[32];
+    char latitude[32];
+    std::snprintf(longitude, sizeof longitude, "%.17g", lng);
+    std::snprintf(latitude, sizeof latitude, "%.17g", lat);
+
+    const ToolResult result =
+        runTool({"coord", "gcj02", "wgs84", longitude, latitude, "--exact-inverse", "--json"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    const Json answer = Json::parse(result.output);
+    EXPECT_NEAR(answer["longitude"].get<double>(), 116.397128, 1e-9);
+    EXPECT_NEAR(answer["latitude"].get<double>(), 39.916527, 1e-9);
+    double exactLng = lng;
+    double exactLat = lat;
+    location.GCJ02_TO_WGS84_EXACT(&exactLng, &exactLat);
+    EXPECT_EQ(answer["longitude"].get<double>(), exactLng);
+    EXPECT_EQ(answer["latitude"].get<double>(), exactLat);
+
+    // Without it the one-step inverse answers, metres away.
+    const ToolResult oneStep = runTool({"coord", "gcj02", "wgs84", longitude, latitude, "--json"});
+    const Json approximate = Json::parse(oneStep.output);
+    EXPECT_GT(std::fabs(approximate["longitude"].get<double>() - 116.397128) +
+                  std::fabs(approximate["latitude"].get<double>() - 39.916527),
+              1e-7);
+}
+
+TEST(ToolCoord, ExactInverseIsOnlyTheWayIntoWgs84) {
+    for (const auto& way : std::vector<std::pair<std::string, std::string>>{
+             {"wgs84", "gcj02"}, {"gcj02", "bd09"}, {"wgs84", "wgs84"}}) {
+        const ToolResult result =
+            runTool({"coord", way.first, way.second, "116.4", "39.9", "--exact-inverse"});
+        EXPECT_EQ(result.status, 2) << way.first << " " << way.second;
+        EXPECT_NE(result.errors.find("--exact-inverse"), std::string::npos) << result.errors;
+    }
+    EXPECT_EQ(runTool({"coord", "bd09", "wgs84", "116.4", "39.9", "--exact-inverse"}).status, 0);
 }
 
 TEST(ToolCoord, PointsOutsideTheRegionPassUnchanged) {

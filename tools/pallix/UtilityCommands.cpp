@@ -121,8 +121,10 @@ double parseDegrees(const char* what, const std::string& text) {
 }
 
 // Every way between the three datums goes through GCJ-02, the one both shifts share.
-void convert(const PRuntimeLocation& location, Datum from, Datum to, double& longitude,
-             double& latitude) {
+// The way back to WGS-84 is the library's one-step inverse, or with `exactInverse` the
+// iterative one that lands on the point whose GCJ-02 image was given.
+void convert(const PRuntimeLocation& location, Datum from, Datum to, bool exactInverse,
+             double& longitude, double& latitude) {
     if (from == to) {
         return;
     }
@@ -131,7 +133,9 @@ void convert(const PRuntimeLocation& location, Datum from, Datum to, double& lon
     } else if (from == Datum::Bd09) {
         location.BD09_TO_GCJ02(&longitude, &latitude);
     }
-    if (to == Datum::Wgs84) {
+    if (to == Datum::Wgs84 && exactInverse) {
+        location.GCJ02_TO_WGS84_EXACT(&longitude, &latitude);
+    } else if (to == Datum::Wgs84) {
         location.GCJ02_TO_WGS84(&longitude, &latitude);
     } else if (to == Datum::Bd09) {
         location.GCJ02_TO_BD09(&longitude, &latitude);
@@ -151,6 +155,7 @@ void registerCoord(CLI::App& app) {
         std::string longitude;
         std::string latitude;
         bool exact = false;
+        bool exactInverse = false;
         bool json = false;
     };
     auto options = std::make_shared<Options>();
@@ -165,16 +170,22 @@ void registerCoord(CLI::App& app) {
     command->add_option("LAT", options->latitude, "Latitude in degrees")->required();
     command->add_flag("--exact", options->exact,
                       "Print every digit (17 significant) instead of 6 decimals");
+    command->add_flag("--exact-inverse", options->exactInverse,
+                      "Into wgs84: invert the gcj02 shift exactly (to 1e-9 degrees and better) "
+                      "instead of in one step, which can miss by metres");
     addJsonFlag(*command, options->json);
     finishHelp(*command, "pallix coord wgs84 gcj02 116.397128 39.916527",
                std::string("0 converted; ") + kUsageStatus);
     command->callback([options] {
         const Datum source = parseDatum(options->from);
         const Datum target = parseDatum(options->to);
+        if (options->exactInverse && (target != Datum::Wgs84 || source == Datum::Wgs84)) {
+            failUsage("--exact-inverse is the way back into wgs84 from gcj02 or bd09");
+        }
         double longitude = parseDegrees("longitude", options->longitude);
         double latitude = parseDegrees("latitude", options->latitude);
         RootScope scope;
-        convert(scope.location(), source, target, longitude, latitude);
+        convert(scope.location(), source, target, options->exactInverse, longitude, latitude);
         if (options->json) {
             printJson(nlohmann::ordered_json{{"from", options->from},
                                              {"to", options->to},
