@@ -1,0 +1,161 @@
+// The cost of a notification append on a store that already holds 1,000 and 10,000
+// notifications, against the floor of any save of the same file: a durable atomic replace of the
+// same bytes (DurableReplace.h), both measured alternately in every iteration of the same run.
+//
+// The ratio depends on what an fsync costs on the file system under the temporary directory: the
+// cheaper the fsync, the larger the library's own share of an append shows. The files live in
+// the system's temporary directory, on the file system a user's configuration directory is on.
+
+#include "DurableReplace.h"
+#include "NApplication.h"
+#include "PRuntimeNotify.h"
+#include "ScratchDirectory.h"
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <fstream>
+#include <string>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double seconds(Clock::duration elapsed) {
+    return std::chrono::duration<double>(elapsed).count();
+}
+
+// Texts like the application's, with characters that need escaping and some beyond ASCII.
+std::string title(unsigned long long id, char variant) {
+    return "Notice " + std::to_string(id) + variant +
+           ": firmware 17.2 & \"news\" for <your> device \xe2\x80\x94 \xe6\x9b\xb4\xe6\x96\xb0";
+}
+
+std::string address(unsigned long long id) {
+    return "https://example.invalid/notice?id=" + std::to_string(id) + "&lang=en";
+}
+
+PRuntimeNotifyItem item(unsigned long long id, char variant) {
+    PRuntimeNotifyItem result;
+    result.setID(id);
+    result.setUserID(4000000000ULL + id % 7);
+    result.setTitle(NString(title(id, variant)));
+    result.setTimestamp(1700000000000LL + static_cast<long long>(id) * 1000);
+    result.setURL(NString(address(id)));
+    result.setIsPopup(id % 3 == 0);
+    result.setAlreadyRead(id % 2 == 0);
+    result.setRemove(id % 11 == 0);
+    return result;
+}
+
+std::string escaped(const std::string& text) {
+    std::string result;
+    for (const char c : text) {
+        switch (c) {
+        case '&':
+            result += "&amp;";
+            break;
+        case '<':
+            result += "&lt;";
+            break;
+        case '>':
+            result += "&gt;";
+            break;
+        case '"':
+            result += "&quot;";
+            break;
+        default:
+            result += c;
+        }
+    }
+    return result;
+}
+
+// A "/notify.xml" of `count` notifications with every field, for the store to load. Written
+// here, since filling the store by appends would rewrite the file `count` times; the first
+// append below rewrites it in the store's own layout.
+void writeStoreFile(const std::string& path, unsigned long long count) {
+    std::ofstream out(path, std::ios::binary);
+    out << "<?xml version=\"1.0\"?>\n<Nevor><Notify>\n";
+    for (unsigned long long id = 1; id <= count; ++id) {
+        const PRuntimeNotifyItem notification = item(id, 'a');
+        const auto flag = [](bool value) { return value ? "true" : "false"; };
+        out << "<Item><ID VALUE=\"" << id << "\"/><UserID VALUE=\"" << notification.userID()
+            << "\"/><Title VALUE=\"" << escaped(title(id, 'a')) << "\"/><Timestamp VALUE=\""
+            << notification.timestamp() << "\"/><URL VALUE=\"" << escaped(address(id))
+            << "\"/><Read VALUE=\"" << flag(notification.isAlreadyRead()) << "\"/><Popup VALUE=\""
+            << flag(notification.isPopup()) << "\"/><AlreadyPopup VALUE=\""
+            << flag(notification.isAlreadyRead()) << "\"/><Remove VALUE=\""
+            << flag(notification.isRemove()) << "\"/></Item>\n";
+    }
+    out << "</Notify></Nevor>\n";
+}
+
+// Every iteration appends over one stored id, alternating between two titles of the same
+// length, so that the file keeps its size; an append over a stored id rewrites the whole file
+// just as the insertion of a new one does. The baseline replaces another file of the directory
+// with the bytes of the store's file.
+void BM_NotifyAppend(benchmark::State& state) {
+    const auto count = static_cast<unsigned long long>(state.range(0));
+    pallix::bench::ScratchDirectory directory("stores-" + std::to_string(count));
+    NApplication::setDirectoryConfig(NString(directory.path()));
+    const std::string storeFile = directory.file("notify.xml");
+    writeStoreFile(storeFile, count);
+
+    PRuntimeNotify store;
+    if (!store.exist(count)) {
+        state.SkipWithError("the generated store did not load");
+        return;
+    }
+    const unsigned long long target = count / 2;
+    store.append(target, item(target, 'a'));
+    const PRuntimeNotifyItem items[2] = {item(target, 'b'), item(target, 'a')};
+    const std::string bytes = pallix::bench::readFile(storeFile);
+    const std::string baselineFile = directory.file("baseline.xml");
+
+    double appendTotal = 0;
+    double baselineTotal = 0;
+    long long round = 0;
+    for (auto _ : state) {
+        // The order alternates so that neither side always runs on the other's writeback.
+        const bool baselineFirst = (round & 1) != 0;
+        Clock::duration baseline{};
+        if (baselineFirst) {
+            const auto start = Clock::now();
+            const bool replaced = pallix::bench::durableReplace(baselineFile, bytes);
+            baseline = Clock::now() - start;
+            if (!replaced) {
+                state.SkipWithError("the baseline could not replace its file");
+                break;
+            }
+        }
+        const auto start = Clock::now();
+        store.append(target, items[round & 1]);
+        const Clock::duration append = Clock::now() - start;
+        if (!baselineFirst) {
+            const auto baselineStart = Clock::now();
+            const bool replaced = pallix::bench::durableReplace(baselineFile, bytes);
+            baseline = Clock::now() - baselineStart;
+            if (!replaced) {
+                state.SkipWithError("the baseline could not replace its file");
+                break;
+            }
+        }
+        appendTotal += seconds(append);
+        baselineTotal += seconds(baseline);
+        state.SetIterationTime(seconds(append));
+        ++round;
+    }
+    if (round > 0 && baselineTotal > 0) {
+        state.counters["ratio_to_durable_replace"] = appendTotal / baselineTotal;
+        state.counters["append_ms"] = 1000.0 * appendTotal / static_cast<double>(round);
+        state.counters["durable_replace_ms"] = 1000.0 * baselineTotal / static_cast<double>(round);
+    }
+    state.counters["notifications"] = static_cast<double>(count);
+    state.counters["file_bytes"] = static_cast<double>(bytes.size());
+}
+BENCHMARK(BM_NotifyAppend)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
