@@ -5,6 +5,7 @@
 #include "ConfigXml.h"
 #include "ConfigurationFormat.h"
 #include "Conversions.h"
+#include "DoubleText.h"
 #include "NApple.h"
 #include "NFileSystem.h"
 #include "Operation.h"
@@ -65,8 +66,8 @@ void writePlaces(pugi::xml_node& root, const char* element,
     pugi::xml_node list = root.append_child(element);
     for (const _PALLIX_RUNTIME_CONFIG_VL& place : places) {
         pugi::xml_node item = list.append_child(cfg::kItem);
-        item.append_attribute(cfg::kX).set_value(place.X);
-        item.append_attribute(cfg::kY).set_value(place.Y);
+        pallix::config::setDouble(item.append_attribute(cfg::kX), place.X);
+        pallix::config::setDouble(item.append_attribute(cfg::kY), place.Y);
         item.append_attribute(cfg::kLocation).set_value(place.Location.data());
     }
 }
