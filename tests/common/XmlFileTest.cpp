@@ -3,6 +3,7 @@
 
 #include "XmlFile.h"
 #include "TemporaryDirectory.h"
+#include "XmlText.h"
 
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
@@ -116,4 +117,35 @@ TEST_F(XmlFileTest, ReplaceOrRemoveWritesTheSameBytes) {
     XmlFile::prependDeclaration(document, "utf-8", false);
     EXPECT_TRUE(XmlFile::replaceOrRemove(document, NString(m_file)));
     EXPECT_EQ(TemporaryDirectory::read(m_file), streamed(document));
+}
+
+// A list's elements rendered one by one at their depth are, put together, the list's part of
+// the whole document's text: what the notification store relies on to render only the items
+// that changed.
+TEST(XmlTextTest, ElementsRenderAsInTheirDocument) {
+    pugi::xml_document document;
+    pugi::xml_node list = document.append_child("Nevor").append_child("Notify");
+    XmlFile::prependDeclaration(document, "utf-8", false);
+    for (int i = 0; i < 50; ++i) {
+        pugi::xml_node item = list.append_child("Item");
+        item.append_child("ID").append_attribute("VALUE").set_value(i);
+        item.append_child("Title").append_attribute("VALUE").set_value(
+            std::string(static_cast<std::size_t>(i), '&').append("\xe6\x96\xb0 <\"'>\t").c_str());
+        if (i % 5 == 0) {
+            item.append_child("Empty");
+        }
+        if (i % 7 == 0) {
+            item.append_child(pugi::node_pcdata).set_value("text");
+        }
+    }
+    std::string whole;
+    pallix::XmlText::appendDocument(whole, document);
+    EXPECT_EQ(whole, streamed(document));
+
+    std::string items;
+    for (pugi::xml_node item = list.first_child(); item; item = item.next_sibling()) {
+        pallix::XmlText::appendNode(items, item, 2);
+    }
+    EXPECT_EQ(whole, "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<Nevor>\n\t<Notify>\n" + items +
+                         "\t</Notify>\n</Nevor>\n");
 }
