@@ -1,6 +1,7 @@
 // The cost of a configuration setter, which saves the whole configuration file, against the
 // floor of any save of the same file: a durable atomic replace of the same bytes
-// (DurableReplace.h), both measured alternately in every iteration of the same run.
+// (DurableReplace.h), measured in turns in every iteration of the same run
+// (SaveAgainstBaseline.h).
 //
 // The ratio depends on what an fsync costs on the file system under the temporary directory: the
 // cheaper the fsync, the larger the library's own share of a save shows. The files live in the
@@ -10,20 +11,14 @@
 #include "NApplication.h"
 #include "PRuntime.h"
 #include "PRuntimeConfig.h"
+#include "SaveAgainstBaseline.h"
 #include "ScratchDirectory.h"
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <string>
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double seconds(Clock::duration elapsed) {
-    return std::chrono::duration<double>(elapsed).count();
-}
 
 // A configuration as a long-used installation has it: every setting set, and lists of some
 // length in every container.
@@ -54,8 +49,7 @@ void fill(PRuntimeConfig& config) {
 }
 
 // Every iteration sets the pop-up time, alternating between two values of the same length, so
-// that the file keeps its size. The baseline replaces another file of the directory with the
-// bytes of the configuration file.
+// that the file keeps its size.
 void BM_ConfigSetter(benchmark::State& state) {
     pallix::bench::ScratchDirectory directory("config");
     NApplication::setDirectoryConfig(NString(directory.path()));
@@ -67,48 +61,9 @@ void BM_ConfigSetter(benchmark::State& state) {
     fill(*config);
     const unsigned long long times[2] = {1700000001000ULL, 1700000002000ULL};
     config->setPopupTimeADAPP(times[1]);
-    const std::string bytes = pallix::bench::readFile(directory.file("configure.xml"));
-    const std::string baselineFile = directory.file("baseline.xml");
-
-    double setterTotal = 0;
-    double baselineTotal = 0;
-    long long round = 0;
-    for (auto _ : state) {
-        // The order alternates so that neither side always runs on the other's writeback.
-        const bool baselineFirst = (round & 1) != 0;
-        Clock::duration baseline{};
-        if (baselineFirst) {
-            const auto start = Clock::now();
-            const bool replaced = pallix::bench::durableReplace(baselineFile, bytes);
-            baseline = Clock::now() - start;
-            if (!replaced) {
-                state.SkipWithError("the baseline could not replace its file");
-                break;
-            }
-        }
-        const auto start = Clock::now();
-        config->setPopupTimeADAPP(times[round & 1]);
-        const Clock::duration setter = Clock::now() - start;
-        if (!baselineFirst) {
-            const auto baselineStart = Clock::now();
-            const bool replaced = pallix::bench::durableReplace(baselineFile, bytes);
-            baseline = Clock::now() - baselineStart;
-            if (!replaced) {
-                state.SkipWithError("the baseline could not replace its file");
-                break;
-            }
-        }
-        setterTotal += seconds(setter);
-        baselineTotal += seconds(baseline);
-        state.SetIterationTime(seconds(setter));
-        ++round;
-    }
-    if (round > 0 && baselineTotal > 0) {
-        state.counters["ratio_to_durable_replace"] = setterTotal / baselineTotal;
-        state.counters["setter_ms"] = 1000.0 * setterTotal / static_cast<double>(round);
-        state.counters["durable_replace_ms"] = 1000.0 * baselineTotal / static_cast<double>(round);
-    }
-    state.counters["file_bytes"] = static_cast<double>(bytes.size());
+    pallix::bench::saveAgainstDurableReplace(
+        state, [&](long long round) { config->setPopupTimeADAPP(times[round & 1]); },
+        pallix::bench::readFile(directory.file("configure.xml")), directory.path());
 }
 BENCHMARK(BM_ConfigSetter)->UseManualTime()->Unit(benchmark::kMillisecond);
 

@@ -1,6 +1,7 @@
 // The cost of a notification append on a store that already holds 1,000 and 10,000
 // notifications, against the floor of any save of the same file: a durable atomic replace of the
-// same bytes (DurableReplace.h), both measured alternately in every iteration of the same run.
+// same bytes (DurableReplace.h), measured in turns in every iteration of the same run
+// (SaveAgainstBaseline.h).
 //
 // The ratio depends on what an fsync costs on the file system under the temporary directory: the
 // cheaper the fsync, the larger the library's own share of an append shows. The files live in
@@ -9,21 +10,15 @@
 #include "DurableReplace.h"
 #include "NApplication.h"
 #include "PRuntimeNotify.h"
+#include "SaveAgainstBaseline.h"
 #include "ScratchDirectory.h"
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <fstream>
 #include <string>
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double seconds(Clock::duration elapsed) {
-    return std::chrono::duration<double>(elapsed).count();
-}
 
 // Texts like the application's, with characters that need escaping and some beyond ASCII.
 std::string title(unsigned long long id, char variant) {
@@ -93,8 +88,8 @@ void writeStoreFile(const std::string& path, unsigned long long count) {
 
 // Every iteration appends over one stored id, alternating between two titles of the same
 // length, so that the file keeps its size; an append over a stored id rewrites the whole file
-// just as the insertion of a new one does. The baseline replaces another file of the directory
-// with the bytes of the store's file.
+// just as the insertion of a new one does. The first append, before the timing, renders every
+// notification of the loaded store once.
 void BM_NotifyAppend(benchmark::State& state) {
     const auto count = static_cast<unsigned long long>(state.range(0));
     pallix::bench::ScratchDirectory directory("stores-" + std::to_string(count));
@@ -110,49 +105,10 @@ void BM_NotifyAppend(benchmark::State& state) {
     const unsigned long long target = count / 2;
     store.append(target, item(target, 'a'));
     const PRuntimeNotifyItem items[2] = {item(target, 'b'), item(target, 'a')};
-    const std::string bytes = pallix::bench::readFile(storeFile);
-    const std::string baselineFile = directory.file("baseline.xml");
-
-    double appendTotal = 0;
-    double baselineTotal = 0;
-    long long round = 0;
-    for (auto _ : state) {
-        // The order alternates so that neither side always runs on the other's writeback.
-        const bool baselineFirst = (round & 1) != 0;
-        Clock::duration baseline{};
-        if (baselineFirst) {
-            const auto start = Clock::now();
-            const bool replaced = pallix::bench::durableReplace(baselineFile, bytes);
-            baseline = Clock::now() - start;
-            if (!replaced) {
-                state.SkipWithError("the baseline could not replace its file");
-                break;
-            }
-        }
-        const auto start = Clock::now();
-        store.append(target, items[round & 1]);
-        const Clock::duration append = Clock::now() - start;
-        if (!baselineFirst) {
-            const auto baselineStart = Clock::now();
-            const bool replaced = pallix::bench::durableReplace(baselineFile, bytes);
-            baseline = Clock::now() - baselineStart;
-            if (!replaced) {
-                state.SkipWithError("the baseline could not replace its file");
-                break;
-            }
-        }
-        appendTotal += seconds(append);
-        baselineTotal += seconds(baseline);
-        state.SetIterationTime(seconds(append));
-        ++round;
-    }
-    if (round > 0 && baselineTotal > 0) {
-        state.counters["ratio_to_durable_replace"] = appendTotal / baselineTotal;
-        state.counters["append_ms"] = 1000.0 * appendTotal / static_cast<double>(round);
-        state.counters["durable_replace_ms"] = 1000.0 * baselineTotal / static_cast<double>(round);
-    }
+    pallix::bench::saveAgainstDurableReplace(
+        state, [&](long long round) { store.append(target, items[round & 1]); },
+        pallix::bench::readFile(storeFile), directory.path());
     state.counters["notifications"] = static_cast<double>(count);
-    state.counters["file_bytes"] = static_cast<double>(bytes.size());
 }
 BENCHMARK(BM_NotifyAppend)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(benchmark::kMillisecond);
 
