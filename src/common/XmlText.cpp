@@ -30,4 +30,19 @@ void XmlText::appendNode(std::string& text, const pugi::xml_node& node, unsigned
     node.print(writer, kIndent, kFormat, pugi::encoding_utf8, depth);
 }
 
+bool XmlText::textAround(const pugi::xml_document& document, const pugi::xml_node& marker,
+                         unsigned int depth, std::string& head, std::string& tail) {
+    std::string whole;
+    appendDocument(whole, document);
+    std::string own;
+    appendNode(own, marker, depth);
+    const std::size_t at = whole.find(own);
+    if (own.empty() || at == std::string::npos) {
+        return false;
+    }
+    head = whole.substr(0, at);
+    tail = whole.substr(at + own.size());
+    return true;
+}
+
 } // namespace pallix

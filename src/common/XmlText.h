@@ -23,6 +23,14 @@ public:
     // sits `depth` levels below the document (the root element at 0), up to and including the
     // line break after it.
     static void appendNode(std::string& text, const pugi::xml_node& node, unsigned int depth);
+
+    // The document's text before and after the text of `marker`, an element that sits `depth`
+    // levels below the document: with the marker taken for a run of siblings rendered one by
+    // one with appendNode(), head + their texts + tail is the text of the document holding
+    // them. False, with nothing set, if the marker's text is not part of the document's, which
+    // no pugixml does.
+    static bool textAround(const pugi::xml_document& document, const pugi::xml_node& marker,
+                           unsigned int depth, std::string& head, std::string& tail);
 };
 
 } // namespace pallix

@@ -32,20 +32,8 @@ Frame makeFrame() {
     XmlFile::prependDeclaration(document, "utf-8", false);
     Frame frame;
     XmlText::appendDocument(frame.empty, document);
-
-    // With one empty item in the list, the document's text is the head, that item's own text,
-    // then the tail.
     const pugi::xml_node marker = list.append_child(layout::kItem);
-    std::string whole;
-    XmlText::appendDocument(whole, document);
-    std::string item;
-    XmlText::appendNode(item, marker, kItemDepth);
-    const std::size_t at = whole.find(item);
-    if (at != std::string::npos) {
-        frame.head = whole.substr(0, at);
-        frame.tail = whole.substr(at + item.size());
-        frame.usable = true;
-    }
+    frame.usable = XmlText::textAround(document, marker, kItemDepth, frame.head, frame.tail);
     return frame;
 }
 
