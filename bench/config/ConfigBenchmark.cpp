@@ -16,6 +16,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <functional>
 #include <string>
 
 namespace {
@@ -48,9 +49,11 @@ void fill(PRuntimeConfig& config) {
     config.setAutoImportRingtone(true);
 }
 
-// Every iteration sets the pop-up time, alternating between two values of the same length, so
-// that the file keeps its size.
-void BM_ConfigSetter(benchmark::State& state) {
+// Times `set(config, round)`, a setter that alternates between two values so that every call
+// changes the file. Before the timing, both values are set once, to learn the file's two
+// contents, and the configuration is filled once a run.
+void setterAgainstBaseline(benchmark::State& state,
+                           const std::function<void(PRuntimeConfig&, long long)>& set) {
     pallix::bench::ScratchDirectory directory("config");
     NApplication::setDirectoryConfig(NString(directory.path()));
     PRuntimeConfig* config = PRuntime::getInstance()->config();
@@ -58,14 +61,45 @@ void BM_ConfigSetter(benchmark::State& state) {
         state.SkipWithError("no configuration");
         return;
     }
-    fill(*config);
-    const unsigned long long times[2] = {1700000001000ULL, 1700000002000ULL};
-    config->setPopupTimeADAPP(times[1]);
+    static const bool filled = (fill(*config), true);
+    benchmark::DoNotOptimize(filled);
+    std::string bytes[2];
+    for (int side : {0, 1}) {
+        set(*config, side);
+        bytes[side] = pallix::bench::readFile(directory.file("configure.xml"));
+    }
     pallix::bench::saveAgainstDurableReplace(
-        state, [&](long long round) { config->setPopupTimeADAPP(times[round & 1]); },
-        pallix::bench::readFile(directory.file("configure.xml")), directory.path());
+        state, [&](long long round) { set(*config, round); }, bytes, directory.path());
 }
-BENCHMARK(BM_ConfigSetter)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// A preference: one value of the file's first elements.
+void BM_ConfigSetPreference(benchmark::State& state) {
+    setterAgainstBaseline(state, [](PRuntimeConfig& config, long long round) {
+        config.setPopupTimeADAPP((round & 1) != 0 ? 1700000001000ULL : 1700000002000ULL);
+    });
+}
+BENCHMARK(BM_ConfigSetPreference)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// A setting flag: one entry of the "Status" map.
+void BM_ConfigSetSettingStatus(benchmark::State& state) {
+    setterAgainstBaseline(state, [](PRuntimeConfig& config, long long round) {
+        config.setSettingStatus("Setting7", (round & 1) != 0);
+    });
+}
+BENCHMARK(BM_ConfigSetSettingStatus)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// A place added to and removed from the virtual locations: the list whose every coordinate is
+// written again.
+void BM_ConfigVirtualLocation(benchmark::State& state) {
+    setterAgainstBaseline(state, [](PRuntimeConfig& config, long long round) {
+        if ((round & 1) != 0) {
+            config.virtualLocationAppend(121.4737, 31.2304, "Added & removed");
+        } else {
+            config.virtualLocationRemove(121.4737, 31.2304);
+        }
+    });
+}
+BENCHMARK(BM_ConfigVirtualLocation)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -19,10 +19,10 @@ double seconds(Clock::duration elapsed) {
 } // namespace
 
 void saveAgainstDurableReplace(benchmark::State& state, const std::function<void(long long)>& save,
-                               const std::string& bytes, const std::string& directory) {
+                               const std::string (&bytes)[2], const std::string& directory) {
     const std::string baselineFile = directory + "/baseline.xml";
     const NFileSystem::path writerFile(NString(directory + "/writer.xml"));
-    const NByteArray writerBytes(bytes);
+    const NByteArray writerBytes[2] = {NByteArray(bytes[0]), NByteArray(bytes[1])};
 
     double totals[3] = {0, 0, 0};
     long long round = 0;
@@ -37,10 +37,11 @@ void saveAgainstDurableReplace(benchmark::State& state, const std::function<void
                 save(round);
                 break;
             case 1:
-                written = pallix::bench::durableReplace(baselineFile, bytes) && written;
+                written = pallix::bench::durableReplace(baselineFile, bytes[round & 1]) && written;
                 break;
             default:
-                written = NFileSystem::file::fromBytes(writerFile, writerBytes) && written;
+                written =
+                    NFileSystem::file::fromBytes(writerFile, writerBytes[round & 1]) && written;
                 break;
             }
             elapsed[which] = Clock::now() - start;
@@ -64,7 +65,7 @@ void saveAgainstDurableReplace(benchmark::State& state, const std::function<void
     state.counters["writer_ms"] = 1000.0 * totals[2] / rounds;
     state.counters["ratio_to_durable_replace"] = totals[0] / totals[1];
     state.counters["writer_ratio_to_durable_replace"] = totals[2] / totals[1];
-    state.counters["file_bytes"] = static_cast<double>(bytes.size());
+    state.counters["file_bytes"] = static_cast<double>(bytes[0].size() + bytes[1].size()) / 2;
 }
 
 } // namespace pallix::bench

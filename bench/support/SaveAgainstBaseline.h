@@ -15,8 +15,9 @@ namespace pallix::bench {
 // The writer's ratio is the floor under the save's: the care it takes of the user's files
 // (links, mode, owner, stray temporaries) is part of every save.
 //
-// `save(round)` saves the file whose content is `bytes`; rounds count from 0.
+// `save(round)` saves the file, whose content is then `bytes[round % 2]`: a benchmark alternates
+// between two states so that every save changes the file. Rounds count from 0.
 void saveAgainstDurableReplace(benchmark::State& state, const std::function<void(long long)>& save,
-                               const std::string& bytes, const std::string& directory);
+                               const std::string (&bytes)[2], const std::string& directory);
 
 } // namespace pallix::bench
