@@ -2,8 +2,9 @@
 
 #include "NFileSystem.h"
 #include "WriteOutcome.h"
+#include "XmlText.h"
 
-#include <sstream>
+#include <utility>
 
 namespace pallix {
 
@@ -17,10 +18,15 @@ pugi::xml_parse_result XmlFile::load(pugi::xml_document& document, const NString
 }
 
 bool XmlFile::save(const pugi::xml_document& document, const NString& path) {
-    std::ostringstream text;
-    document.save(text, "\t", pugi::format_indent, pugi::encoding_utf8);
+    std::string text;
+    text.reserve(XmlText::kSmallFile);
+    XmlText::appendDocument(text, document);
+    return saveText(std::move(text), path);
+}
+
+bool XmlFile::saveText(std::string text, const NString& path) {
     const bool written =
-        NFileSystem::file::fromBytes(NFileSystem::path(path), NByteArray(text.str()));
+        NFileSystem::file::fromBytes(NFileSystem::path(path), NByteArray(std::move(text)));
     recordWrite(written);
     return written;
 }

@@ -4,6 +4,8 @@
 
 #include <pugixml.hpp>
 
+#include <string>
+
 namespace pallix {
 
 // Every XML file of the library is read and written through these two functions, so that all
@@ -17,6 +19,10 @@ public:
     // Serialises the document with a tab per level and indented formatting only, in UTF-8, and
     // replaces the file atomically. The document carries its own declaration node.
     static bool save(const pugi::xml_document& document, const NString& path);
+
+    // Replaces the file atomically with text that XmlText serialised, as save() does with its
+    // own; the text is handed to the file writer without a copy.
+    static bool saveText(std::string text, const NString& path);
 
     // For the stores whose file must not outlive a failed save: saves like save(), and when
     // that fails removes the old file, so that no stale content is read back. The new content

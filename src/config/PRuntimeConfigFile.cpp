@@ -1,5 +1,6 @@
 #include "PRuntimeConfig.h"
 
+#include "ConfigFileText.h"
 #include "ConfigLocations.h"
 #include "ConfigMaps.h"
 #include "ConfigXml.h"
@@ -7,8 +8,12 @@
 #include "NApple.h"
 #include "NFileSystem.h"
 #include "Operation.h"
+#include "WriteOutcome.h"
 #include "XmlFile.h"
 #include "_PALLIX_RUNTIME_CONFIG.h"
+
+#include <string>
+#include <utility>
 
 // The current configuration file: the root cfg::kRoot with one element per field, always all of
 // them, in a fixed order. Scalars carry their value in "Value"; containers hold one "Item" per
@@ -40,35 +45,6 @@ void readPlaces(const pugi::xml_node& element, std::list<_PALLIX_RUNTIME_CONFIG_
         place.Location = NString(item.attribute(cfg::kLocation).as_string(""));
         places.push_back(place);
     });
-}
-
-void writeValue(pugi::xml_node& root, const char* element, const NString& value) {
-    root.append_child(element).append_attribute(cfg::kValue).set_value(value.data());
-}
-
-template <typename Number>
-void writeNumber(pugi::xml_node& root, const char* element, Number value) {
-    root.append_child(element).append_attribute(cfg::kValue).set_value(value);
-}
-
-void writeFlags(pugi::xml_node& root, const char* element, const std::map<NString, bool>& flags) {
-    pugi::xml_node list = root.append_child(element);
-    for (const auto& flag : flags) {
-        pugi::xml_node item = list.append_child(cfg::kItem);
-        item.append_attribute(cfg::kName).set_value(flag.first.data());
-        item.append_attribute(cfg::kFlag).set_value(flag.second);
-    }
-}
-
-void writePlaces(pugi::xml_node& root, const char* element,
-                 const std::list<_PALLIX_RUNTIME_CONFIG_VL>& places) {
-    pugi::xml_node list = root.append_child(element);
-    for (const _PALLIX_RUNTIME_CONFIG_VL& place : places) {
-        pugi::xml_node item = list.append_child(cfg::kItem);
-        item.append_attribute(cfg::kX).set_value(place.X);
-        item.append_attribute(cfg::kY).set_value(place.Y);
-        item.append_attribute(cfg::kLocation).set_value(place.Location.data());
-    }
 }
 
 } // namespace
@@ -136,49 +112,12 @@ void PRuntimeConfig::load_new() {
 
 void PRuntimeConfig::save() {
     pallix::operation([&] {
-        const _PALLIX_RUNTIME_CONFIG& config = _globalFrameworkConfig;
-        pugi::xml_document document;
-        pugi::xml_node root = document.append_child(cfg::kRoot);
-        pallix::XmlFile::prependDeclaration(document, "utf-8", false);
-
-        writeValue(root, cfg::kLastVersion, config.lastVersion);
-        writeNumber(root, cfg::kPopupTimeADAPP, config.popupTimeADAPP);
-        writeNumber(root, cfg::kSameTimeDownloadNumber, config.sameTimeDownloadNumber);
-        writeNumber(root, cfg::kDownloadMaxSpeed, config.downloadMaxSpeed);
-        writeValue(root, cfg::kLastSkin, config.lastSkin);
-        writeNumber(root, cfg::kLastLanguage, static_cast<int>(config.lastLanguage));
-        writeNumber(root, cfg::kRestoreCore, static_cast<int>(config.restoreCore));
-
-        writeFlags(root, cfg::kStatus, config.status);
-
-        pugi::xml_node directory = root.append_child(cfg::kDirectory);
-        for (const auto& entry : config.directory) {
-            pugi::xml_node item = directory.append_child(cfg::kItem);
-            item.append_attribute(cfg::kName).set_value(entry.first.data());
-            item.append_attribute(cfg::kPath).set_value(entry.second.data());
+        std::string bytes;
+        if (!pallix::config::renderConfiguration(_globalFrameworkConfig, bytes)) {
+            pallix::recordWrite(false);
+            return;
         }
-
-        writeFlags(root, cfg::kTools, config.tools);
-
-        pugi::xml_node customBackup = root.append_child(cfg::kCustomBackup);
-        for (const NString& path : config.customBackup) {
-            customBackup.append_child(cfg::kItem)
-                .append_attribute(cfg::kPath)
-                .set_value(path.data());
-        }
-
-        pugi::xml_node fileFavorites = root.append_child(cfg::kFileFavorites);
-        for (const _PALLIX_RUNTIME_CONFIG_FC& favourite : config.fileFavorites) {
-            pugi::xml_node item = fileFavorites.append_child(cfg::kItem);
-            item.append_attribute(cfg::kPath).set_value(favourite.Path.data());
-            item.append_attribute(cfg::kRootFlag).set_value(favourite.Root);
-        }
-
-        writeFlags(root, cfg::kAutoImport, config.autoImport);
-        writePlaces(root, cfg::kVirtualLocation, config.virtualLocation);
-        writePlaces(root, cfg::kLocationFavorites, config.locationFavorites);
-
         // A failed write leaves the previous file (or none); the record keeps its values.
-        pallix::XmlFile::save(document, pallix::config::currentFilePath());
+        pallix::XmlFile::saveText(std::move(bytes), pallix::config::currentFilePath());
     });
 }

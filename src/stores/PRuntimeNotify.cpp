@@ -3,10 +3,13 @@
 #include "FileNames.h"
 #include "NApplication.h"
 #include "NFileSystem.h"
+#include "NotifyFileText.h"
 #include "Operation.h"
 #include "StoreFormats.h"
+#include "WriteOutcome.h"
 #include "XmlFile.h"
 
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -49,11 +52,6 @@ void keepFirst(std::map<unsigned long long, PRuntimeNotifyItem>& items,
     items.emplace(item.id(), item);
 }
 
-template <typename Value>
-void appendValue(pugi::xml_node& parent, const char* element, Value value) {
-    parent.append_child(element).append_attribute(format::kValue).set_value(value);
-}
-
 } // namespace
 
 PRuntimeNotify::PRuntimeNotify() noexcept {
@@ -69,7 +67,9 @@ PRuntimeNotify::PRuntimeNotify() noexcept {
     }
 }
 
-PRuntimeNotify::~PRuntimeNotify() = default;
+PRuntimeNotify::~PRuntimeNotify() {
+    pallix::operation([&] { pallix::notify::forgetFileText(this); });
+}
 
 void PRuntimeNotify::_read_old() {
     pallix::operation([&] {
@@ -109,26 +109,13 @@ void PRuntimeNotify::_read() {
 
 void PRuntimeNotify::_write() const {
     pallix::operation([&] {
-        pugi::xml_document document;
-        pugi::xml_node list = document.append_child(format::kRoot).append_child(format::kList);
-        pallix::XmlFile::prependDeclaration(document, "utf-8", false);
-        for (const auto& entry : m_items) {
-            const PRuntimeNotifyItem& item = entry.second;
-            pugi::xml_node node = list.append_child(format::kItem);
-            appendValue(node, format::kId, item.id());
-            appendValue(node, format::kUserId, item.userID());
-            appendValue(node, format::kTitle, item.title().data());
-            appendValue(node, format::kTimestamp, item.timestamp());
-            appendValue(node, format::kAddress, item.url().data());
-            appendValue(node, format::kRead, item.isAlreadyRead());
-            appendValue(node, format::kPopup, item.isPopup());
-            // Deliberately from the read flag: the application treats a notification the user
-            // has read as one that no longer needs to pop up. Readers take it as alreadyPopup.
-            appendValue(node, format::kAlreadyPopup, item.isAlreadyRead());
-            appendValue(node, format::kRemove, item.isRemove());
+        std::string bytes;
+        if (!pallix::notify::fileTextOf(this).render(m_items, bytes)) {
+            pallix::recordWrite(false);
+            return;
         }
         // A failed save leaves the previous file; the next successful one catches up.
-        pallix::XmlFile::save(document, filePath());
+        pallix::XmlFile::saveText(std::move(bytes), filePath());
     });
 }
 
@@ -166,6 +153,7 @@ PRuntimeNotifyItem PRuntimeNotify::find(unsigned long long id) const {
 void PRuntimeNotify::append(unsigned long long id, const PRuntimeNotifyItem& item) {
     pallix::operation([&] {
         std::lock_guard<std::mutex> lock(m_mutex);
+        pallix::notify::fileTextOf(this).changed(id);
         const auto found = m_items.find(id);
         if (found == m_items.end()) {
             m_items.emplace(id, item);
@@ -184,6 +172,7 @@ bool PRuntimeNotify::update(unsigned long long id, const PRuntimeNotifyItem& ite
         if (found == m_items.end()) {
             return false;
         }
+        pallix::notify::fileTextOf(this).changed(id);
         found->second = item;
         _write();
         return true;
@@ -197,6 +186,7 @@ void PRuntimeNotify::remove(unsigned long long id) {
         if (found == m_items.end()) {
             return;
         }
+        pallix::notify::fileTextOf(this).changed(id);
         found->second.setRemove(true);
         _write();
     });
