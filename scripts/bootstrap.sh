@@ -8,6 +8,8 @@ packages=(
     libpugixml-dev nlohmann-json3-dev libcli11-dev
     qtbase5-dev libgtest-dev libgmock-dev libbenchmark-dev abigail-tools
     xvfb xauth tzdata
+    # Locale sources: a test compiles a locale with a decimal comma from them.
+    locales
     # Glyphs for the Chinese texts of the desktop example; without a CJK font they are boxes.
     fonts-wqy-microhei
 )
