@@ -63,6 +63,7 @@ void PRuntimeConfig::load_old() {
             return;
         }
 
+        // The numbers are read as load_new() reads them, as cfg::kPreferences says.
         config.lastVersion = NString(valueOf(root, cfg::kLastVersion).as_string(""));
         config.popupTimeADAPP = pallix::format::readUInt64(valueOf(root, cfg::kPopupTimeADAPP), 0);
         config.sameTimeDownloadNumber = pallix::format::readInt32(

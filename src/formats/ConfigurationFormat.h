@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Conversions.h"
+
 #include <cstddef>
 
 // The configuration files: "configure.xml" (current), "Config.xml" (earlier releases, imported
@@ -29,18 +31,42 @@ inline constexpr char kAutoImport[] = "AutoImport";
 inline constexpr char kVirtualLocation[] = "VirtualLocation";
 inline constexpr char kLocationFavorites[] = "LocationFavorites";
 
-// How the reader keeps each preference: a number beyond its width does not survive a load (the
-// download limits are written 64 bits wide but read back as 32-bit numbers).
-enum class Width { Int32, UInt64, Text };
+inline constexpr int kDefaultSameTimeDownloadNumber = 3; // when none is stored
+
+// How the reader keeps each preference, and the value a missing or empty one is read as: a
+// number beyond its width does not survive a load (the download limits are written 64 bits
+// wide but read back as 32-bit numbers).
+using Width = ValueKind;
 struct Preference {
     const char* element;
     Width width;
+    long long byDefault = 0;
 };
 inline constexpr Preference kPreferences[] = {
-    {kPopupTimeADAPP, Width::UInt64},  {kSameTimeDownloadNumber, Width::Int32},
-    {kDownloadMaxSpeed, Width::Int32}, {kLastSkin, Width::Text},
-    {kLastLanguage, Width::Int32},     {kRestoreCore, Width::Int32},
+    {kPopupTimeADAPP, Width::UInt64},
+    {kSameTimeDownloadNumber, Width::Int32, kDefaultSameTimeDownloadNumber},
+    {kDownloadMaxSpeed, Width::Int32},
+    {kLastSkin, Width::Text},
+    {kLastLanguage, Width::Int32},
+    {kRestoreCore, Width::Int32},
 };
+constexpr const Preference& preference(const char* element) {
+    for (const Preference& preference : kPreferences) {
+        if (preference.element == element) {
+            return preference;
+        }
+    }
+    throw "not a preference"; // in a constant expression: does not compile
+}
+
+// Every element of the file, each looked up by name: the scalars (kValue) and the lists.
+inline constexpr const char* kScalars[] = {
+    kLastVersion,      kPopupTimeADAPP, kSameTimeDownloadNumber,
+    kDownloadMaxSpeed, kLastSkin,       kLastLanguage,
+    kRestoreCore,      kUserDir};
+inline constexpr const char* kLists[] = {kStatus,          kDirectory,        kTools,
+                                         kCustomBackup,    kFileFavorites,    kAutoImport,
+                                         kVirtualLocation, kLocationFavorites};
 
 // Attributes of the items.
 inline constexpr char kName[] = "Name";
@@ -59,7 +85,6 @@ inline constexpr char kRingtone[] = "Ringtone";
 // ---- the values a configuration starts from
 inline constexpr char kFallbackVersion[] = "5.0.0"; // when UpdateCfg.xml names none
 inline constexpr char kDefaultSkin[] = "236EE7";
-inline constexpr int kDefaultSameTimeDownloadNumber = 3;
 inline constexpr bool kDefaultAutoImportRingtone = true;
 inline constexpr char kDefaultDataDirectoryName[] = "TolVaneData"; // under the user's home
 
@@ -129,6 +154,15 @@ inline constexpr RenamedSetting kSettings[] = {
     {"VerifyPro", false, kSettingVerifyPaymentConfirm},
     {"NumberCard", false, kSettingVerifyTimecardConfirm},
 };
+
+// Every element of the earlier file that the import looks up by name: the scalars (kValue; the
+// settings above are scalars too) and the lists. Its language (kLastLanguage) is not imported.
+inline constexpr const char* kScalars[] = {
+    kLastVersion, kPopupTimeADAPP, kSameTimeDownloadNumber, kDownloadMaxSpeed, kLastSkin,
+    kRestoreCore, kUserDir};
+inline constexpr const char* kLists[] = {kDirectory,          kTools,      kBackupList,
+                                         kCollectionList,     kAutoImport, kVirtualLocationList,
+                                         kLocationCollectList};
 } // namespace legacy
 
 // ---- UpdateCfg.xml: <root><Control><Version VALUE="..."/></Control></root>
