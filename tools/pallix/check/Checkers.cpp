@@ -1,41 +1,30 @@
 #include "Checkers.h"
 
-#include "SourceFile.h"
+#include "ValueRules.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace pallix::check {
 
 namespace {
 
-void checkXml(SourceFile& file, const pugi::xml_document& document, FileKind kind) {
-    switch (kind) {
-    case FileKind::Cloud:
-        return checkCloud(file, document);
-    case FileKind::Cpid:
-        return checkCpid(file, document);
-    case FileKind::Crash:
-        return checkCrash(file, document);
-    case FileKind::RestoreError:
-        return checkRestoreError(file, document);
-    case FileKind::Mapping:
-        return checkMapping(file, document);
-    case FileKind::Config:
-        return checkConfig(file, document);
-    case FileKind::LegacyConfig:
-        return checkLegacyConfig(file, document);
-    case FileKind::Notify:
-        return checkNotify(file, document);
-    case FileKind::OldNotify:
-        return checkOldNotify(file, document);
-    case FileKind::Portbind:
-        return checkPortbind(file, document);
-    case FileKind::Ipsw:
-        return checkIpsw(file, document);
-    case FileKind::Version:
-        return checkVersion(file, document);
-    case FileKind::Factory:
-        return;
-    }
-}
+using Checker = void (*)(SourceFile&, const pugi::xml_node&);
+
+const std::pair<FileKind, Checker> kCheckers[] = {
+    {FileKind::Cloud, checkCloud},
+    {FileKind::Cpid, checkCpid},
+    {FileKind::Crash, checkCrash},
+    {FileKind::RestoreError, checkRestoreError},
+    {FileKind::Mapping, checkMapping},
+    {FileKind::Config, checkConfig},
+    {FileKind::LegacyConfig, checkLegacyConfig},
+    {FileKind::Version, checkVersion},
+    {FileKind::Notify, checkNotify},
+    {FileKind::OldNotify, checkOldNotify},
+    {FileKind::Portbind, checkPortbind},
+    {FileKind::Ipsw, checkIpsw},
+};
 
 } // namespace
 
@@ -44,23 +33,28 @@ std::string checkFile(SourceFile& file, std::optional<FileKind> kind) {
         checkFactory(file);
         return std::string();
     }
-    // Parsed once with the library's options; every check below sees what the library sees.
-    pugi::xml_document document;
-    if (!parseXml(file, document)) {
+    // Parsed once, as the library parses it: every check below sees what the library sees.
+    if (!file.parseXml()) {
         return std::string();
     }
-    if (!kind) {
-        const Detection detection = detectXmlKind(file, document);
-        if (!detection.ambiguity.empty()) {
-            return detection.ambiguity;
-        }
-        kind = detection.kind;
+    std::string ambiguity;
+    if (!kind && !(kind = detectXmlKind(file, ambiguity)) && !ambiguity.empty()) {
+        return ambiguity;
     }
-    checkXmlSyntax(file, document);
-    if (kind) {
-        checkXml(file, document, *kind);
+    checkXmlSyntax(file);
+    const pugi::xml_node root = kind ? requireRoot(file, rootOf(*kind)) : pugi::xml_node();
+    for (const auto& [checked, check] : kCheckers) {
+        if (root && checked == *kind) {
+            check(file, root);
+        }
     }
     return std::string();
+}
+
+std::vector<Finding> checkBytes(const std::string& name, const std::string& bytes, FileKind kind) {
+    SourceFile file(name, bytes);
+    checkFile(file, kind);
+    return file.findings();
 }
 
 } // namespace pallix::check

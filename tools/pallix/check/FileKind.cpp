@@ -7,44 +7,53 @@
 #include "TableFormats.h"
 #include "ValueRules.h"
 
-#include <pugixml.hpp>
+#include <algorithm>
+#include <iterator>
 
 namespace pallix::check {
 
 namespace {
 
-// Children of the root "Nevor" that only one kind of file has.
-bool hasAnyChild(const pugi::xml_node& node, std::initializer_list<const char*> names) {
-    for (const char* name : names) {
-        if (node.child(name)) {
-            return true;
-        }
-    }
-    return false;
+namespace cfg = format::configuration;
+
+// Each kind's name and root, in the order of FileKind.
+const std::pair<const char*, const char*> kKinds[] = {
+    {"cloud", format::cloud::kRoot},
+    {"cpid", format::cpid::kRoot},
+    {"crash", format::crash::kRoot},
+    {"restore-error", format::restore_error::kRoot},
+    {"mapping", format::plugin_mapping::kRoot},
+    {"config", cfg::kRoot},
+    {"legacy-config", cfg::legacy::kRoot},
+    {"notify", format::notify::kRoot},
+    {"portbind", format::portbind::kRoot},
+    {"factory", nullptr},
+    {"ipsw", format::custom_firmware::kRoot},
+    {"version", cfg::version::kRoot},
+    {"old-notify", format::notify::kOldRoot},
+};
+
+template <typename Names> bool hasAnyChild(const pugi::xml_node& node, const Names& names) {
+    return std::any_of(std::begin(names), std::end(names),
+                       [&node](const char* name) { return static_cast<bool>(node.child(name)); });
 }
 
+// The kinds that share the cloud document's root, each told by children that only it has.
 std::optional<FileKind> detectNevorKind(const pugi::xml_node& root) {
+    const char* const cloudParts[] = {format::cloud::kApplication, format::cloud::kCooperate,
+                                      format::cloud::kDevice};
     if (root.child(format::notify::kList)) {
         return FileKind::Notify;
     }
-    if (hasAnyChild(root, {format::cloud::kApplication, format::cloud::kCooperate,
-                           format::cloud::kDevice})) {
+    if (hasAnyChild(root, cloudParts)) {
         return FileKind::Cloud;
     }
-    namespace configuration = format::configuration;
-    if (hasAnyChild(root, {configuration::kLastVersion, configuration::kPopupTimeADAPP,
-                           configuration::kSameTimeDownloadNumber, configuration::kDownloadMaxSpeed,
-                           configuration::kLastSkin, configuration::kLastLanguage,
-                           configuration::kRestoreCore, configuration::kStatus,
-                           configuration::kDirectory, configuration::kTools,
-                           configuration::kCustomBackup, configuration::kFileFavorites,
-                           configuration::kAutoImport, configuration::kVirtualLocation,
-                           configuration::kLocationFavorites, configuration::kUserDir})) {
+    if (hasAnyChild(root, cfg::kScalars) || hasAnyChild(root, cfg::kLists)) {
         return FileKind::Config;
     }
-    for (pugi::xml_node child = root.first_child(); child; child = child.next_sibling()) {
-        if (child.attribute(format::plugin_mapping::kVersion) ||
-            child.attribute(format::plugin_mapping::kMapping)) {
+    for (pugi::xml_node row = root.first_child(); row; row = row.next_sibling()) {
+        if (row.attribute(format::plugin_mapping::kVersion) ||
+            row.attribute(format::plugin_mapping::kMapping)) {
             return FileKind::Mapping;
         }
     }
@@ -54,24 +63,29 @@ std::optional<FileKind> detectNevorKind(const pugi::xml_node& root) {
 } // namespace
 
 const std::vector<std::string>& fileKindNames() {
-    static const std::vector<std::string> names = {
-        "cloud",  "cpid",     "crash",   "restore-error", "mapping", "config",    "legacy-config",
-        "notify", "portbind", "factory", "ipsw",          "version", "old-notify"};
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> all;
+        for (const auto& kind : kKinds) {
+            all.emplace_back(kind.first);
+        }
+        return all;
+    }();
     return names;
 }
 
 std::string nameOf(FileKind kind) {
-    return fileKindNames()[static_cast<std::size_t>(kind)];
+    return kKinds[static_cast<std::size_t>(kind)].first;
+}
+
+const char* rootOf(FileKind kind) {
+    return kKinds[static_cast<std::size_t>(kind)].second;
 }
 
 std::optional<FileKind> fileKindFromName(const std::string& name) {
     const auto& names = fileKindNames();
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        if (names[i] == name) {
-            return static_cast<FileKind>(i);
-        }
-    }
-    return std::nullopt;
+    const auto found = std::find(names.begin(), names.end(), name);
+    return found == names.end() ? std::nullopt
+                                : std::optional<FileKind>(FileKind(found - names.begin()));
 }
 
 bool looksLikeJson(const std::string& text) {
@@ -79,64 +93,56 @@ bool looksLikeJson(const std::string& text) {
     return first != std::string::npos && (text[first] == '{' || text[first] == '[');
 }
 
-Detection detectXmlKind(SourceFile& file, const pugi::xml_document& document) {
-    const pugi::xml_node root = document.document_element();
+std::optional<FileKind> detectXmlKind(SourceFile& file, std::string& ambiguity) {
+    const pugi::xml_node root = file.document().document_element();
     const std::string name = root.name();
-    Detection detection;
-    if (name == format::cpid::kRoot) {
-        detection.kind = FileKind::Cpid;
-    } else if (name == format::crash::kRoot) {
-        detection.kind = FileKind::Crash;
-    } else if (name == format::restore_error::kRoot) {
-        detection.kind = FileKind::RestoreError;
-    } else if (name == format::configuration::version::kRoot) {
-        detection.kind = FileKind::Version;
-    } else if (name == format::configuration::legacy::kRoot) {
-        detection.kind = FileKind::LegacyConfig;
-    } else if (name == format::notify::kOldRoot) {
-        detection.kind = FileKind::OldNotify;
-    } else if (name == format::portbind::kRoot || name == format::custom_firmware::kRoot) {
+    if (name == format::portbind::kRoot || name == format::custom_firmware::kRoot) {
         if (root.child(format::portbind::kList)) {
-            detection.kind = FileKind::Portbind;
-        } else if (root.child(format::custom_firmware::kList)) {
-            detection.kind = FileKind::Ipsw;
-        } else {
-            detection.ambiguity = "cannot tell whether this is the port bindings or the custom "
-                                  "firmware list: its root \"Rilo\" has neither \"BIND\" nor "
-                                  "\"MATCH\"; name its kind with --kind";
+            return FileKind::Portbind;
         }
-    } else if (name == format::cloud::kRoot || name == format::configuration::kRoot ||
-               name == format::notify::kRoot || name == format::plugin_mapping::kRoot) {
-        detection.kind = detectNevorKind(root);
-        if (!detection.kind) {
-            detection.ambiguity = "cannot tell what kind of file this is: its root \"Nevor\" is "
-                                  "shared by the cloud document, the plug-in mapping, the "
-                                  "configuration and the notifications; name its kind with --kind";
+        if (root.child(format::custom_firmware::kList)) {
+            return FileKind::Ipsw;
         }
-    } else {
-        // Every reader of the library looks for a root of its own and reads nothing without it.
-        detection.unknownRoot = true;
-        file.error(file.offsetOf(root),
-                   "the root element " + inQuotes(name) +
-                       " is none that the library reads: no table, document or store takes "
-                       "anything from this file; name its kind with --kind to check it as one");
+        ambiguity = "cannot tell whether this is the port bindings or the custom firmware list: "
+                    "its root " +
+                    inQuotes(name) + " has neither " + inQuotes(format::portbind::kList) + " nor " +
+                    inQuotes(format::custom_firmware::kList) + "; name its kind with --kind";
+        return std::nullopt;
     }
-    return detection;
+    if (name == format::cloud::kRoot || name == cfg::kRoot || name == format::notify::kRoot ||
+        name == format::plugin_mapping::kRoot) {
+        const std::optional<FileKind> kind = detectNevorKind(root);
+        if (!kind) {
+            ambiguity = "cannot tell what kind of file this is: its root " + inQuotes(name) +
+                        " is shared by the cloud document, the plug-in mapping, the "
+                        "configuration and the notifications; name its kind with --kind";
+        }
+        return kind;
+    }
+    for (const auto& kind : kKinds) {
+        if (kind.second != nullptr && name == kind.second) {
+            return FileKind(&kind - kKinds);
+        }
+    }
+    // Every reader of the library looks for a root of its own and reads nothing without it.
+    file.error(file.offsetOf(root),
+               "the root element " + inQuotes(name) +
+                   " is none that the library reads: no table, document or store takes "
+                   "anything from this file; name its kind with --kind to check it as one");
+    return std::nullopt;
 }
 
 std::optional<FileKind> detectFileKind(SourceFile& file) {
     if (looksLikeJson(file.text())) {
         return FileKind::Factory;
     }
-    pugi::xml_document document;
-    if (!parseXml(file, document)) {
-        return std::nullopt;
+    std::string ambiguity;
+    const std::optional<FileKind> kind =
+        file.parseXml() ? detectXmlKind(file, ambiguity) : std::nullopt;
+    if (!ambiguity.empty()) {
+        file.error(0, ambiguity);
     }
-    const Detection detection = detectXmlKind(file, document);
-    if (!detection.ambiguity.empty()) {
-        file.error(0, detection.ambiguity);
-    }
-    return detection.kind;
+    return kind;
 }
 
 } // namespace pallix::check
