@@ -58,59 +58,57 @@ std::vector<Input> configDirectoryInputs(std::string given) {
         given.pop_back();
     }
     const fs::path directory(given);
+    const fs::path legacy = directory / format::kLegacyConfigurationFile;
+    const fs::path old = directory / format::kOldNotifyDirectory;
+    const std::string hidden = "the library does not read this file: ";
+    const std::string oldName = check::inQuotes(format::kOldNotifyDirectory);
     std::vector<Input> inputs;
-    auto add = [&](const char* name, check::FileKind kind, const char* hiddenBy = nullptr) {
-        const std::string path = (directory / name).string();
+    auto add = [&inputs](const fs::path& path, std::optional<check::FileKind> kind,
+                         const std::string& note = "", bool noteOnly = false) {
         std::error_code ignored;
         if (fs::exists(path, ignored)) {
-            inputs.push_back(Input{path, kind, {}});
-            if (hiddenBy != nullptr) {
-                inputs.back().notes.push_back(std::string("the library does not read this file: ") +
-                                              hiddenBy);
+            inputs.push_back(Input{path.string(), kind, {}, noteOnly});
+            if (!note.empty()) {
+                inputs.back().notes.push_back(note);
             }
         }
     };
-    // While the legacy configuration is there, the library imports it, saves the current file
-    // from it and deletes it; likewise the old notifications' directory.
-    const bool legacy = is(fs::file_type::regular, directory / format::kLegacyConfigurationFile);
-    const std::string legacyNote = check::inQuotes(format::kLegacyConfigurationFile) +
-                                   " beside it is imported in its place, and the import then "
-                                   "overwrites this file";
-    add(format::kConfigurationFile, check::FileKind::Config, legacy ? legacyNote.c_str() : nullptr);
-    add(format::kLegacyConfigurationFile, check::FileKind::LegacyConfig);
-    const fs::path old = directory / format::kOldNotifyDirectory;
-    const std::string oldNote = "the old " + check::inQuotes(format::kOldNotifyDirectory) +
-                                " directory beside it is imported in its place, and the next "
-                                "change to the notifications overwrites this file";
-    add(format::kNotifyFile, check::FileKind::Notify,
-        is(fs::file_type::directory, old) ? oldNote.c_str() : nullptr);
+    // While the legacy configuration or the old notifications' directory is there, the library
+    // imports it in place of the current file, and its next write replaces that file.
+    add(directory / format::kConfigurationFile, check::FileKind::Config,
+        is(fs::file_type::regular, legacy)
+            ? hidden + check::inQuotes(format::kLegacyConfigurationFile) +
+                  " beside it is imported in its place, and the import then overwrites this file"
+            : "");
+    add(legacy, check::FileKind::LegacyConfig);
+    add(directory / format::kNotifyFile, check::FileKind::Notify,
+        is(fs::file_type::directory, old)
+            ? hidden + "the old " + oldName +
+                  " directory beside it is imported in its place, and the next change to the "
+                  "notifications overwrites this file"
+            : "");
     // The import reads "<base name>.xml" for every regular file of the directory.
     std::error_code ignored;
-    std::set<std::string> oldFiles;
+    std::set<fs::path> oldFiles;
     for (const auto& entry : fs::directory_iterator(old, ignored)) {
         if (is(fs::file_type::regular, entry.path())) {
-            oldFiles.insert(entry.path().filename().string());
+            oldFiles.insert(entry.path());
         }
     }
-    for (const std::string& name : oldFiles) {
-        const std::string readInstead =
-            fs::path(name).stem().string() + format::kOldNotifyExtension;
-        if (readInstead == name) {
-            inputs.push_back(Input{(old / name).string(), check::FileKind::OldNotify, {}});
+    for (const fs::path& path : oldFiles) {
+        const std::string readInstead = path.stem().string() + format::kOldNotifyExtension;
+        if (path.filename() == readInstead) {
+            add(path, check::FileKind::OldNotify);
         } else {
-            inputs.push_back(
-                Input{(old / name).string(),
-                      std::nullopt,
-                      {"the library never reads this file: for it, the import of the "
-                       "old " +
-                       check::inQuotes(format::kOldNotifyDirectory) + " directory reads " +
-                       check::inQuotes(readInstead) + " in its place"},
-                      true});
+            add(path, std::nullopt,
+                "the library never reads this file: for it, the import of the old " + oldName +
+                    " directory reads " + check::inQuotes(readInstead) + " in its place",
+                true);
         }
     }
-    add(format::kPortbindFile, check::FileKind::Portbind);
-    add(format::kFactoryFile, check::FileKind::Factory);
-    add(format::kCustomFirmwareFile, check::FileKind::Ipsw);
+    add(directory / format::kPortbindFile, check::FileKind::Portbind);
+    add(directory / format::kFactoryFile, check::FileKind::Factory);
+    add(directory / format::kCustomFirmwareFile, check::FileKind::Ipsw);
     return inputs;
 }
 
@@ -159,11 +157,11 @@ int runCheck(const CheckOptions& options) {
         }
         cannotCheck = cannotCheck || !file.wellFormed();
         ++checked;
-        errors += file.count(check::Severity::Error);
-        warnings += file.count(check::Severity::Warning);
         Json findings = Json::array();
         for (const check::Finding& finding : file.findings()) {
-            const char* severity = finding.severity == check::Severity::Error ? "error" : "warning";
+            const bool error = finding.severity == check::Severity::Error;
+            const char* severity = error ? "error" : "warning";
+            ++(error ? errors : warnings);
             findings.push_back({{"file", file.path()},
                                 {"line", finding.line},
                                 {"column", finding.column},

@@ -11,21 +11,20 @@
 
 namespace pallix::check {
 
-// Checks the file as `kind`, or as the kind that its content shows when none is given, and
-// records every finding on it. The file is only read. Returns an empty text, or why the file
-// could not be checked at all because its kind cannot be told.
+// Checks the file as `kind`, or as the kind that its content shows, and records every finding
+// on it; the file is only read. Returns why the file could not be checked at all (its kind
+// cannot be told), or nothing.
 std::string checkFile(SourceFile& file, std::optional<FileKind> kind);
 
 // One file's bytes, shown as `name`, checked as `kind`: its findings in the order of their
-// positions (what a check of several files, such as a whole release, asks of each).
+// positions, as a check of many files (a whole release) asks of each.
 std::vector<Finding> checkBytes(const std::string& name, const std::string& bytes, FileKind kind);
 
-// What the library's XML reader makes of the text whatever the kind: references that XML does
-// not allow, repeated attributes (XmlChecks.cpp).
+// What the library's XML reader makes of any file: references that XML does not allow,
+// repeated attributes.
 void checkXmlSyntax(SourceFile& file);
 
-// One checker per kind (each in the source file of its subsystem), given the root element that
-// the kind's reader found.
+// One checker per kind, given the root element that the kind's reader looks for.
 void checkCloud(SourceFile& file, const pugi::xml_node& root);
 void checkCpid(SourceFile& file, const pugi::xml_node& root);
 void checkCrash(SourceFile& file, const pugi::xml_node& root);

@@ -9,7 +9,6 @@
 #include <nlohmann/json.hpp>
 
 #include <map>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,76 +21,60 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-// One member name of the text, where it stands. Objects are numbered in the order in which they
-// open, the top-level one being 0.
+// One member name, where it stands. Objects are numbered in the order in which they open, the
+// top-level one being 0.
 struct JsonName {
-    std::size_t offset; // of its opening quote
     std::size_t object; // the object that holds the member
     std::size_t value;  // the object that is its value, or kNone
-    std::string name;   // decoded
+    std::string name;
+    std::size_t offset = 0; // of its opening quote
 };
 
-// Every member name of a text that parses, in the order written: the parsed value keeps one
-// member of a repeated name, and no positions.
-std::vector<JsonName> jsonNames(const std::string& text) {
-    std::vector<JsonName> names;
-    std::vector<std::size_t> open; // the objects around a position; kNone for an array
+// Parses the text as the factory store does, so that a repeated name collapses the same way
+// (the last one's value in the place of the first), and collects every member name in the
+// order written, which the parsed value cannot give.
+Json parse(const std::string& text, std::vector<JsonName>& names) {
+    std::vector<std::size_t> open;
     std::size_t objects = 0;
-    std::size_t pending = kNone; // the name whose value comes next
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '"') {
-            std::size_t end = at + 1;
-            while (end < text.size() && text[end] != '"') {
-                end += text[end] == '\\' ? 2 : 1;
+    bool afterKey = false;
+    Json document = Json::parse(text, [&](int, Json::parse_event_t event, Json& parsed) {
+        if (event == Json::parse_event_t::object_start) {
+            if (afterKey) {
+                names.back().value = objects;
             }
-            const std::size_t after = text.find_first_not_of(" \t\r\n", end + 1);
-            if (!open.empty() && open.back() != kNone && after != std::string::npos &&
-                text[after] == ':') {
-                pending = names.size();
-                names.push_back(
-                    JsonName{at, open.back(), kNone,
-                             Json::parse(text.substr(at, end + 1 - at)).get<std::string>()});
-            }
-            at = end;
-        } else if (text[at] == '{' || text[at] == '[') {
-            open.push_back(text[at] == '{' ? objects++ : kNone);
-            if (pending != kNone) {
-                names[pending].value = open.back();
-            }
-            pending = kNone;
-        } else if ((text[at] == '}' || text[at] == ']') && !open.empty()) {
+            open.push_back(objects++);
+        } else if (event == Json::parse_event_t::object_end) {
             open.pop_back();
-        } else if (text[at] == ',') {
-            pending = kNone;
+        } else if (event == Json::parse_event_t::key) {
+            names.push_back(JsonName{open.back(), kNone, parsed.get<std::string>()});
         }
-    }
-    return names;
-}
-
-// The factory store parses the file with nlohmann-json, which keeps one member of a repeated
-// name: the last one's value, in the place of the first. Other JSON readers may keep the first
-// or refuse the file, so the file means different things to different tools.
-void warnAboutRepeatedNames(SourceFile& file, const std::vector<JsonName>& names) {
-    std::set<std::pair<std::size_t, std::string>> seen;
-    for (const JsonName& name : names) {
-        if (!seen.emplace(name.object, name.name).second) {
-            file.warning(name.offset,
-                         std::string(name.object == 0 ? "device member " : "value ") +
-                             inQuotes(name.name) +
-                             " is written again in the same object: the factory store keeps only "
-                             "the last one's value (in the place of the first); other JSON "
-                             "readers may keep the first or refuse the file");
+        afterKey = event == Json::parse_event_t::key;
+        return true;
+    });
+    // The names stand, in the same order, where a string is followed by a colon.
+    std::size_t next = 0;
+    for (std::size_t at = text.find('"'); at != std::string::npos && next < names.size();
+         at = text.find('"', at + 1)) {
+        std::size_t end = at + 1;
+        while (end < text.size() && text[end] != '"') {
+            end += text[end] == '\\' ? 2 : 1;
         }
+        const std::size_t after = text.find_first_not_of(" \t\r\n", end + 1);
+        if (after != std::string::npos && text[after] == ':') {
+            names[next++].offset = at;
+        }
+        at = end;
     }
+    return document;
 }
 
 } // namespace
 
 void checkFactory(SourceFile& file) {
+    std::vector<JsonName> names;
     Json document;
     try {
-        // Parsed as the factory store parses it, so that a repeated name collapses the same way.
-        document = Json::parse(file.text());
+        document = parse(file.text(), names);
     } catch (const Json::parse_error& error) {
         // The parser counts the byte it stopped at from 1.
         const std::string description = error.what();
@@ -104,14 +87,21 @@ void checkFactory(SourceFile& file) {
         file.error(0, "the top level is not a JSON object; nothing in the file is read");
         return;
     }
-    const std::vector<JsonName> names = jsonNames(file.text());
-    warnAboutRepeatedNames(file, names);
-    // Where a member of an object first stands, and the object that its last one holds (the
-    // one whose value the store keeps).
+    // Where a member of an object first stands, and the object that its last one holds. Other
+    // JSON readers may keep the first member of a name or refuse the file.
     std::map<std::pair<std::size_t, std::string>, std::pair<std::size_t, std::size_t>> places;
     for (const JsonName& name : names) {
-        places.emplace(std::make_pair(name.object, name.name), std::make_pair(name.offset, kNone))
-            .first->second.second = name.value;
+        const auto [place, added] = places.emplace(std::make_pair(name.object, name.name),
+                                                   std::make_pair(name.offset, name.value));
+        place->second.second = name.value;
+        if (!added) {
+            file.warning(name.offset,
+                         std::string(name.object == 0 ? "device member " : "value ") +
+                             inQuotes(name.name) +
+                             " is written again in the same object: the factory store keeps only "
+                             "the last one's value (in the place of the first); other JSON "
+                             "readers may keep the first or refuse the file");
+        }
     }
     const auto placeOf = [&places](std::size_t object, const std::string& name,
                                    std::size_t otherwise) {

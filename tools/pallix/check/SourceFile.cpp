@@ -21,13 +21,11 @@ SourceFile::SourceFile(std::string path) : m_path(std::move(path)) {
             error.assign(errno, std::generic_category());
         }
     }
-    if (error) {
-        m_problem = "cannot read the file: " + error.message();
-    } else if (type == fs::file_type::directory) {
-        m_problem = "cannot read the file: it is a directory";
-    } else if (type != fs::file_type::regular) {
-        m_problem = "cannot read the file: it is not a regular file";
-    }
+    m_problem = error                              ? error.message()
+                : type == fs::file_type::directory ? "it is a directory"
+                : type != fs::file_type::regular   ? "it is not a regular file"
+                                                   : "";
+    m_problem = m_problem.empty() ? m_problem : "cannot read the file: " + m_problem;
 }
 
 SourceFile::SourceFile(std::string name, std::string text)
@@ -35,7 +33,7 @@ SourceFile::SourceFile(std::string name, std::string text)
 
 bool SourceFile::parseXml() {
     if (!m_parsed) {
-        // Ended by a NUL, as pugixml ends its own copy when it is not parsing in place.
+        // Ended by a NUL, as pugixml ends its own copy when it does not parse in place.
         m_buffer = m_text + '\0';
         const pugi::xml_parse_result result = m_document.load_buffer_inplace(
             m_buffer.data(), m_buffer.size(), pugi::parse_default, pugi::encoding_utf8);
@@ -49,14 +47,6 @@ bool SourceFile::parseXml() {
     return *m_parsed;
 }
 
-void SourceFile::error(std::size_t offset, const std::string& message) {
-    report(offset, Severity::Error, message);
-}
-
-void SourceFile::warning(std::size_t offset, const std::string& message) {
-    report(offset, Severity::Warning, message);
-}
-
 void SourceFile::malformed(std::size_t offset, const std::string& message) {
     m_wellFormed = false;
     error(offset, message);
@@ -65,16 +55,21 @@ void SourceFile::malformed(std::size_t offset, const std::string& message) {
 void SourceFile::report(std::size_t offset, Severity severity, const std::string& message) {
     if (m_lineStarts.empty()) {
         m_lineStarts.push_back(0);
-        for (std::size_t i = m_text.find('\n'); i != std::string::npos;
-             i = m_text.find('\n', i + 1)) {
+        for (auto i = m_text.find('\n'); i != std::string::npos; i = m_text.find('\n', i + 1)) {
             m_lineStarts.push_back(i + 1);
         }
     }
     const std::size_t at = std::min(offset, m_text.size());
     const auto line = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), at) - 1;
-    m_findings.push_back(Finding{static_cast<std::size_t>(line - m_lineStarts.begin()) + 1,
-                                 at - *line + 1, severity, message});
-    m_sorted = false;
+    const Finding finding{static_cast<std::size_t>(line - m_lineStarts.begin()) + 1, at - *line + 1,
+                          severity, message};
+    // Mostly in order already: a large table can have a finding on every row.
+    m_findings.insert(std::upper_bound(m_findings.begin(), m_findings.end(), finding,
+                                       [](const Finding& a, const Finding& b) {
+                                           return a.line != b.line ? a.line < b.line
+                                                                   : a.column < b.column;
+                                       }),
+                      finding);
 }
 
 std::size_t SourceFile::offsetOf(const char* parsed) const {
@@ -102,23 +97,6 @@ std::size_t SourceFile::offsetOf(const pugi::xml_attribute& attribute) const {
 std::size_t SourceFile::offsetOf(const pugi::xml_node& node, const char* attribute) const {
     const pugi::xml_attribute found = node.attribute(attribute);
     return found ? offsetOf(found) : offsetOf(node);
-}
-
-const std::vector<Finding>& SourceFile::findings() const {
-    if (!m_sorted) {
-        std::stable_sort(m_findings.begin(), m_findings.end(),
-                         [](const Finding& a, const Finding& b) {
-                             return a.line != b.line ? a.line < b.line : a.column < b.column;
-                         });
-        m_sorted = true;
-    }
-    return m_findings;
-}
-
-std::size_t SourceFile::count(Severity severity) const {
-    return static_cast<std::size_t>(
-        std::count_if(m_findings.begin(), m_findings.end(),
-                      [severity](const Finding& finding) { return finding.severity == severity; }));
 }
 
 } // namespace pallix::check

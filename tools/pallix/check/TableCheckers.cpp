@@ -51,9 +51,10 @@ void checkCpid(SourceFile& file, const pugi::xml_node& root) {
     for (const pugi::xml_node& row : entries(file, root, kTextIsNotRead)) {
         const std::string chip = row.attribute(cpid::kChip).value();
         const std::string board = row.attribute(cpid::kBoard).value();
+        // Looked up as the library turns a device's numbers into text, which keeps every digit
+        // of a board wider than two.
         const bool chipFound = isLookedUp(chip, format::chipText);
-        // Boards are looked up as two digits; the few wider ones keep all theirs.
-        const bool boardFound = board.size() == 2 && isLookedUp(board, format::boardText);
+        const bool boardFound = isLookedUp(board, format::boardText);
         if (!chipFound) {
             file.error(file.offsetOf(row, cpid::kChip),
                        std::string(cpid::kChip) + " " + inQuotes(chip) +
