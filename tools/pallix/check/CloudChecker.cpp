@@ -123,7 +123,8 @@ void checkReferenceFiles(SourceFile& file, const pugi::xml_node& root) {
                          "reference file " + inQuotes(name) +
                              " is listed again; only the first entry is used");
         }
-        checkDownload(file, entry, cloud::kDigest, "the MD5 digest of " + inQuotes(name),
+        checkDownload(file, entry, cloud::kDigest,
+                      "the " + std::string(cloud::kDigest) + " digest of " + inQuotes(name),
                       inQuotes(name), "");
     }
     for (const char* name : cloud::kReferenceNames) {

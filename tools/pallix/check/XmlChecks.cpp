@@ -32,21 +32,16 @@ int digitValue(char c, bool hexadecimal) {
     return hexadecimal && lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// Where a reference stands, for the message: an attribute, whose value the library reads, or
-// the text of an element, which no reader of the library looks at.
-struct Place {
-    std::string name;      // "KEY", or "the text of \"ROW\""
-    const char* readValue; // the attribute's value as read; null for text
-};
-
 struct Scanner {
     SourceFile& file;
     // Entities that the document type declares: other parsers expand them, pugixml does not
     // read the document type at all.
     std::set<std::string> declared;
 
+    // A reference stands in `place`: an attribute, whose value the library reads as `read`, or
+    // the text of an element (`read` null), which no reader of the library looks at.
     void characterReference(std::size_t at, const std::string& written, bool hexadecimal,
-                            const Place& place) {
+                            const std::string& place, const char* read) {
         // pugixml sums the digits in 32 bits and lets them wrap; the true value decides what
         // XML allows.
         unsigned wrapped = 0;
@@ -64,10 +59,9 @@ struct Scanner {
             "character reference " + inQuotes(written) + " is not allowed in XML 1.0";
         if (wrapped == 0) {
             // pugixml writes the NUL into the value, and the value ends there.
-            file.error(at, prefix + ", and the library's reader ends " + place.name + " at it" +
-                               (place.readValue != nullptr
-                                    ? ": " + place.name + " is read as " + inQuotes(place.readValue)
-                                    : std::string()) +
+            file.error(at, prefix + ", and the library's reader ends " + place + " at it" +
+                               (read != nullptr ? ": " + place + " is read as " + inQuotes(read)
+                                                : std::string()) +
                                kOthersReject);
             return;
         }
@@ -78,11 +72,11 @@ struct Scanner {
                                    : wrapped == 0xFFFE || wrapped == 0xFFFF
                                        ? std::string(point) + " (not a character)"
                                        : std::string(point);
-        file.warning(at, prefix + ": the library's reader takes it as " + readAs + " in " +
-                             place.name + kOthersReject);
+        file.warning(at, prefix + ": the library's reader takes it as " + readAs + " in " + place +
+                             kOthersReject);
     }
 
-    void entityReference(std::size_t at, const std::string& written, const Place& place) {
+    void entityReference(std::size_t at, const std::string& written, const std::string& place) {
         const std::string name = written.substr(1, written.size() - 2);
         if (name == "amp" || name == "lt" || name == "gt" || name == "quot" || name == "apos") {
             return;
@@ -91,18 +85,18 @@ struct Scanner {
             file.error(at, "entity " + inQuotes(written) +
                                " is declared in the document type, which the library's reader "
                                "ignores: it keeps the text " +
-                               inQuotes(written) + " in " + place.name +
+                               inQuotes(written) + " in " + place +
                                " where other XML parsers put the declared text");
         } else {
             file.error(at, "entity reference " + inQuotes(written) +
                                " is none of the five that XML defines (&amp; &lt; &gt; &quot; "
                                "&apos;): the library's reader keeps the text " +
-                               inQuotes(written) + " in " + place.name + kOthersReject);
+                               inQuotes(written) + " in " + place + kOthersReject);
         }
     }
 
     // Every '&' in the raw text [begin, end) of one value, as pugixml's escape decoding meets it.
-    void scan(std::size_t begin, std::size_t end, const Place& place) {
+    void scan(std::size_t begin, std::size_t end, const std::string& place, const char* read) {
         const std::string& text = file.text();
         for (std::size_t at = text.find('&', begin); at < end; at = text.find('&', at + 1)) {
             const bool numeric = at + 1 < end && text[at + 1] == '#';
@@ -117,10 +111,10 @@ struct Scanner {
             if (stop == first || stop >= end || text[stop] != ';') {
                 file.warning(at, "\"&\" starts no reference: the library's reader keeps it as "
                                  "written in " +
-                                     place.name +
+                                     place +
                                      ", other XML parsers reject the file; write it as \"&amp;\"");
             } else if (numeric) {
-                characterReference(at, text.substr(at, stop + 1 - at), hexadecimal, place);
+                characterReference(at, text.substr(at, stop + 1 - at), hexadecimal, place, read);
             } else {
                 entityReference(at, text.substr(at, stop + 1 - at), place);
             }
@@ -132,7 +126,7 @@ struct Scanner {
             if (child.type() == pugi::node_pcdata) {
                 const std::size_t begin = file.offsetOf(child);
                 scan(begin, std::min(file.text().find('<', begin), file.text().size()),
-                     Place{"the text of " + inQuotes(node.name()), nullptr});
+                     "the text of " + inQuotes(node.name()), nullptr);
             } else if (child.type() == pugi::node_element) {
                 checkAttributes(child);
                 checkChildren(child);
@@ -146,8 +140,8 @@ struct Scanner {
         for (const pugi::xml_attribute& attribute : element.attributes()) {
             const std::size_t begin = file.offsetOf(attribute.value());
             // The value ends at its closing quote, the one that opened it.
-            scan(begin, file.text().find(file.text()[begin - 1], begin),
-                 Place{attribute.name(), attribute.value()});
+            scan(begin, file.text().find(file.text()[begin - 1], begin), attribute.name(),
+                 attribute.value());
             if (!names.insert(attribute.name()).second) {
                 file.error(file.offsetOf(attribute),
                            "attribute " + inQuotes(attribute.name()) + " is written again on " +
