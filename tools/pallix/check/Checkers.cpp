@@ -157,13 +157,20 @@ std::string checkFile(SourceFile& file, std::optional<FileKind> kind) {
         return std::string();
     }
     // Parsed once, as the library parses it: every check below sees what the library sees.
-    std::string ambiguity;
-    if (!file.parseXml() || (!kind && !(kind = xmlKind(file, ambiguity)) && !ambiguity.empty())) {
-        return ambiguity;
+    if (!file.parseXml()) {
+        return std::string();
+    }
+    if (!kind) {
+        std::string ambiguity;
+        kind = xmlKind(file, ambiguity);
+        if (!ambiguity.empty()) {
+            return ambiguity;
+        }
     }
     checkXmlSyntax(file);
-    if (const pugi::xml_node root =
-            kind ? requireRoot(file, kindOf(*kind).root) : pugi::xml_node()) {
+    // Without its own root (or, for a root no reader takes, any kind) nothing more is read.
+    const pugi::xml_node root = kind ? requireRoot(file, kindOf(*kind).root) : pugi::xml_node();
+    if (root) {
         kindOf(*kind).check(file, root);
     }
     return std::string();
