@@ -52,7 +52,7 @@ inline constexpr Preference kPreferences[] = {
 };
 constexpr const Preference& preference(const char* element) {
     for (const Preference& preference : kPreferences) {
-        if (preference.element == element) {
+        if (sameName(preference.element, element)) {
             return preference;
         }
     }

@@ -38,7 +38,7 @@ inline constexpr Value kValues[] = {
 };
 constexpr ValueKind kindOf(const char* element) {
     for (const Value& value : kValues) {
-        if (value.element == element) {
+        if (sameName(value.element, element)) {
             return value.kind;
         }
     }

@@ -25,7 +25,7 @@ void checkNumbers(SourceFile& file, const pugi::xml_node& root, const char* valu
     for (const cfg::Preference& scalar : cfg::kPreferences) {
         // The import leaves the language out.
         if (scalar.width != ValueKind::Text &&
-            !(imported && scalar.element == cfg::kLastLanguage)) {
+            !(imported && format::sameName(scalar.element, cfg::kLastLanguage))) {
             checkValue(file, root.child(scalar.element), valueAttribute, scalar.width,
                        imported ? "it is read as {}, so it is not imported as written"
                                 : "it is read as {}, so it does not survive a load",

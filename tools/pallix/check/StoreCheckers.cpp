@@ -32,9 +32,9 @@ std::vector<pugi::xml_node> storeEntries(SourceFile& file, const pugi::xml_node&
 // name of the time.
 void checkNotification(SourceFile& file, const pugi::xml_node& node, const char* timeElement) {
     for (const notify::Value& value : notify::kValues) {
-        const bool isId = value.element == notify::kId;
-        const pugi::xml_node element =
-            node.child(value.element == notify::kTimestamp ? timeElement : value.element);
+        const bool isId = format::sameName(value.element, notify::kId);
+        const pugi::xml_node element = node.child(
+            format::sameName(value.element, notify::kTimestamp) ? timeElement : value.element);
         if (isId && !element.attribute(notify::kValue)) {
             file.error(file.offsetOf(node), std::string("the notification has no ") + notify::kId +
                                                 "; it is kept under id 0");
