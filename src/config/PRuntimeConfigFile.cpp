@@ -66,6 +66,12 @@ void PRuntimeConfig::load_new() {
 
         // A missing element resets the field to the reader's default. The two download limits
         // are written 64 bits wide but read as int: a larger value does not survive a load.
+        // Each number is read as cfg::kPreferences says, which is what `pallix check` expects.
+        static_assert(cfg::preference(cfg::kPopupTimeADAPP).width == cfg::Width::UInt64 &&
+                      cfg::preference(cfg::kSameTimeDownloadNumber).width == cfg::Width::Int32 &&
+                      cfg::preference(cfg::kDownloadMaxSpeed).width == cfg::Width::Int32 &&
+                      cfg::preference(cfg::kLastLanguage).width == cfg::Width::Int32 &&
+                      cfg::preference(cfg::kRestoreCore).width == cfg::Width::Int32);
         config.lastVersion = NString(valueOf(root, cfg::kLastVersion, ""));
         config.popupTimeADAPP =
             readPreference<unsigned long long>(root, cfg::kPopupTimeADAPP, cfg::kValue);

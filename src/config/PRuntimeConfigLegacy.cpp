@@ -63,6 +63,7 @@ void PRuntimeConfig::load_old() {
             return;
         }
 
+        // The numbers are read as load_new() reads them, as cfg::kPreferences says.
         config.lastVersion = NString(valueOf(root, cfg::kLastVersion).as_string(""));
         config.popupTimeADAPP =
             readPreference<unsigned long long>(root, cfg::kPopupTimeADAPP, legacy::kValue);

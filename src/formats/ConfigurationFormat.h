@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Conversions.h"
+
 #include <cstddef>
 #include <stdexcept>
 #include <string_view>
@@ -31,24 +33,34 @@ inline constexpr char kAutoImport[] = "AutoImport";
 inline constexpr char kVirtualLocation[] = "VirtualLocation";
 inline constexpr char kLocationFavorites[] = "LocationFavorites";
 
-// How the readers keep each preference, and the number it starts from, which is also what a
-// reader takes for a missing element: a number beyond its width does not survive a load (the
-// download limits are written 64 bits wide but read back as 32-bit numbers).
-enum class Width { Int32, UInt64, Text };
+inline constexpr int kDefaultSameTimeDownloadNumber = 3; // when none is stored
+
+// How the reader keeps each preference, and the value a missing or empty one is read as: a
+// number beyond its width does not survive a load (the download limits are written 64 bits
+// wide but read back as 32-bit numbers).
+using Width = ValueKind;
 struct Preference {
     const char* element;
     Width width;
-    long long byDefault; // numbers only: text has its own defaults below
+    long long byDefault = 0;
 };
-inline constexpr int kDefaultSameTimeDownloadNumber = 3;
 inline constexpr Preference kPreferences[] = {
-    {kPopupTimeADAPP, Width::UInt64, 0},
+    {kPopupTimeADAPP, Width::UInt64},
     {kSameTimeDownloadNumber, Width::Int32, kDefaultSameTimeDownloadNumber},
-    {kDownloadMaxSpeed, Width::Int32, 0},
-    {kLastSkin, Width::Text, 0},
-    {kLastLanguage, Width::Int32, 0},
-    {kRestoreCore, Width::Int32, 0},
+    {kDownloadMaxSpeed, Width::Int32},
+    {kLastSkin, Width::Text},
+    {kLastLanguage, Width::Int32},
+    {kRestoreCore, Width::Int32},
 };
+
+// Every element of the file, each looked up by name: the scalars (kValue) and the lists.
+inline constexpr const char* kScalars[] = {
+    kLastVersion,      kPopupTimeADAPP, kSameTimeDownloadNumber,
+    kDownloadMaxSpeed, kLastSkin,       kLastLanguage,
+    kRestoreCore,      kUserDir};
+inline constexpr const char* kLists[] = {kStatus,          kDirectory,        kTools,
+                                         kCustomBackup,    kFileFavorites,    kAutoImport,
+                                         kVirtualLocation, kLocationFavorites};
 
 // The entry of kPreferences for `element`, which must be one of them.
 constexpr const Preference& preference(std::string_view element) {
@@ -146,6 +158,15 @@ inline constexpr RenamedSetting kSettings[] = {
     {"VerifyPro", false, kSettingVerifyPaymentConfirm},
     {"NumberCard", false, kSettingVerifyTimecardConfirm},
 };
+
+// Every element of the earlier file that the import looks up by name: the scalars (kValue; the
+// settings above are scalars too) and the lists. Its language (kLastLanguage) is not imported.
+inline constexpr const char* kScalars[] = {
+    kLastVersion, kPopupTimeADAPP, kSameTimeDownloadNumber, kDownloadMaxSpeed, kLastSkin,
+    kRestoreCore, kUserDir};
+inline constexpr const char* kLists[] = {kDirectory,          kTools,      kBackupList,
+                                         kCollectionList,     kAutoImport, kVirtualLocationList,
+                                         kLocationCollectList};
 } // namespace legacy
 
 // ---- UpdateCfg.xml: <root><Control><Version VALUE="..."/></Control></root>

@@ -9,6 +9,20 @@
 // and writers of the library and by whatever tells a user what they will read.
 namespace pallix::format {
 
+// How a reader takes the text of one value: as text, with pugixml's as_bool or as_double, or
+// with one of the integer conversions below. The formats' value tables name one per value.
+enum class ValueKind { Text, Boolean, Number, Int32, Int64, UInt64, Port };
+
+// Whether two names are the same text; usable in the readers' static assertions about the
+// value tables.
+constexpr bool sameName(const char* a, const char* b) {
+    while (*a != '\0' && *a == *b) {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
+}
+
 // ---- numbers as the readers take them
 // The XML reader's own conversions (pugixml's as_int and friends): optional blanks and sign,
 // decimal or 0x hexadecimal digits; a value beyond the type saturates at its limit.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Conversions.h"
+
 // The stores of the configuration directory (their file names are in FileNames.h).
 namespace pallix::format {
 
@@ -21,6 +23,27 @@ inline constexpr char kAlreadyPopup[] = "AlreadyPopup";
 inline constexpr char kRemove[] = "Remove";
 inline constexpr char kOldRoot[] = "ROOT";
 inline constexpr char kOldTimestamp[] = "Time";
+// How the store reads the value of each element (the old layout's time as kTimestamp's): a
+// number beyond its width, or no number, is read as pugixml's conversion makes it.
+struct Value {
+    const char* element;
+    ValueKind kind;
+};
+inline constexpr Value kValues[] = {
+    {kId, ValueKind::UInt64},      {kUserId, ValueKind::UInt64},
+    {kTitle, ValueKind::Text},     {kTimestamp, ValueKind::Int64},
+    {kAddress, ValueKind::Text},   {kRead, ValueKind::Boolean},
+    {kPopup, ValueKind::Boolean},  {kAlreadyPopup, ValueKind::Boolean},
+    {kRemove, ValueKind::Boolean},
+};
+constexpr ValueKind kindOf(const char* element) {
+    for (const Value& value : kValues) {
+        if (sameName(value.element, element)) {
+            return value.kind;
+        }
+    }
+    return ValueKind::Text;
+}
 } // namespace notify
 
 // PortBind.xml: <Rilo><BIND><Item SOURCE="..." TARGET="..."/></BIND></Rilo>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Conversions.h"
+
 // The four reference tables. Each is a root element holding one element per row, read by
 // position whatever its name, with the row's fields in attributes.
 namespace pallix::format {
@@ -24,6 +26,7 @@ inline constexpr char kSolution[] = "SOLUTION";
 namespace restore_error {
 inline constexpr char kRoot[] = "APPLE";
 inline constexpr char kCode[] = "CODE";
+inline constexpr ValueKind kCodeKind = ValueKind::Int64; // a row is kept under its code as read
 inline constexpr char kDescription[] = "DESCRIBE";
 inline constexpr char kSolution[] = "SOLUTION";
 } // namespace restore_error

@@ -1,5 +1,6 @@
 #include "PRuntimeNotify.h"
 
+#include "Conversions.h"
 #include "FileNames.h"
 #include "NApplication.h"
 #include "NFileSystem.h"
@@ -29,15 +30,23 @@ pugi::xml_attribute valueOf(const pugi::xml_node& parent, const char* element) {
     return parent.child(element).attribute(format::kValue);
 }
 
-// One notification from the children of `parent`. Both layouts share the element names except
-// for the time, which the old one called "Time". A missing element or attribute leaves the
-// field at its default.
+// One notification from the children of `parent`, each value converted as format::kValues
+// says. Both layouts share the element names except for the time, which the old one called
+// format::kOldTimestamp. A missing element or attribute leaves the field at its default.
 PRuntimeNotifyItem itemFrom(const pugi::xml_node& parent, const char* timeElement) {
+    using pallix::format::ValueKind;
+    static_assert(format::kindOf(format::kId) == ValueKind::UInt64 &&
+                  format::kindOf(format::kUserId) == ValueKind::UInt64 &&
+                  format::kindOf(format::kTimestamp) == ValueKind::Int64 &&
+                  format::kindOf(format::kRead) == ValueKind::Boolean &&
+                  format::kindOf(format::kPopup) == ValueKind::Boolean &&
+                  format::kindOf(format::kAlreadyPopup) == ValueKind::Boolean &&
+                  format::kindOf(format::kRemove) == ValueKind::Boolean);
     PRuntimeNotifyItem item;
-    item.setID(valueOf(parent, format::kId).as_ullong());
-    item.setUserID(valueOf(parent, format::kUserId).as_ullong());
+    item.setID(pallix::format::readUInt64(valueOf(parent, format::kId), 0));
+    item.setUserID(pallix::format::readUInt64(valueOf(parent, format::kUserId), 0));
     item.setTitle(NString(valueOf(parent, format::kTitle).as_string()));
-    item.setTimestamp(valueOf(parent, timeElement).as_llong());
+    item.setTimestamp(pallix::format::readInt64(valueOf(parent, timeElement), 0));
     item.setURL(NString(valueOf(parent, format::kAddress).as_string()));
     item.setIsPopup(valueOf(parent, format::kPopup).as_bool());
     item.setAlreadyRead(valueOf(parent, format::kRead).as_bool());

@@ -1,5 +1,6 @@
 #include "PRuntimeRestoreError.h"
 
+#include "Conversions.h"
 #include "NFileSystem.h"
 #include "Operation.h"
 #include "TableFormats.h"
@@ -28,11 +29,13 @@ bool PRuntimeRestoreError::format(const NString& path) {
             if (item.type() != pugi::node_element) {
                 continue;
             }
-            // The parser's integer reading takes decimal, 0x hexadecimal and a leading minus;
-            // anything it cannot read lands on code 0.
-            const PRuntimeInfoRestoreError row(item.attribute(format::kCode).as_llong(0),
-                                               item.attribute(format::kDescription).as_string(),
-                                               item.attribute(format::kSolution).as_string());
+            // The code is read as format::kCodeKind: decimal, 0x hexadecimal and a leading
+            // minus; anything it cannot read lands on code 0.
+            static_assert(format::kCodeKind == pallix::format::ValueKind::Int64);
+            const PRuntimeInfoRestoreError row(
+                pallix::format::readInt64(item.attribute(format::kCode), 0),
+                item.attribute(format::kDescription).as_string(),
+                item.attribute(format::kSolution).as_string());
             append(row);
         }
         return true;

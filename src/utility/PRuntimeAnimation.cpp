@@ -1,5 +1,6 @@
 #include "PRuntimeAnimation.h"
 
+#include "ConfigurationFormat.h"
 #include "Operation.h"
 #include "PRuntime.h"
 #include "PRuntimeConfig.h"
@@ -22,7 +23,7 @@ bool animationsOn() noexcept {
     if (config == nullptr) {
         return false;
     }
-    return config->getSettingStatus("WindowAnimation");
+    return config->getSettingStatus(pallix::format::configuration::kSettingWindowAnimation);
 }
 
 } // namespace

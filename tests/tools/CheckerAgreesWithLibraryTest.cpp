@@ -464,6 +464,20 @@ std::vector<Agreement> agreements() {
              ASSERT_TRUE(row);
              EXPECT_EQ(text(row->bdid()), "00");
          }},
+        {"cpid-wide-board.xml",
+         "",
+         1,
+         {{4, 20, "error", "BDID \"01AB\" is never found"}},
+         [](const std::string& path) {
+             PRuntimeCpid table;
+             loadCpid(table, path);
+             // A board wider than two digits is looked up with all its digits and no more.
+             const auto wide = findCpid(table, 0x8020, 0x1AB);
+             ASSERT_TRUE(wide);
+             EXPECT_EQ(text(wide->mode()), "iPhone Wide");
+             // No board is ever written with a leading zero beyond two digits.
+             EXPECT_EQ(text(wide->bdid()), "1AB");
+         }},
         {"wrong-root.xml",
          "cpid",
          1,

@@ -192,8 +192,7 @@ void checkReference(Reference& reference, SourceFile& document, const std::strin
     reference.actualDigest = md5Of(reference.file->text());
     const std::optional<FileKind> expected = referencedKind(reference.name);
     if (!expected) {
-        pugi::xml_document parsed;
-        check::parseXml(*reference.file, parsed);
+        reference.file->parseXml();
         return;
     }
     // The kind is told on a copy, so that the findings of telling it are not made twice.
@@ -208,31 +207,42 @@ void checkReference(Reference& reference, SourceFile& document, const std::strin
     check::checkFile(*reference.file, expected);
 }
 
+struct Edit {
+    std::size_t begin;
+    std::size_t end;
+    std::string text;
+};
+
+// Where the value of an attribute stands in the text: between the quotes after its name. The
+// parsed value cannot tell, since references in it were replaced.
+Edit valueOf(const SourceFile& document, const pugi::xml_attribute& attribute) {
+    const std::string& text = document.text();
+    std::size_t at = text.find('=', document.offsetOf(attribute));
+    at = text.find_first_of("\"'", at);
+    const std::size_t end = text.find(text[at], at + 1);
+    return {at + 1, end, std::string()};
+}
+
 // The document's text with every digest replaced by that of its file: the rest of the text,
 // comments and layout included, stays byte for byte.
 std::string withDigests(const SourceFile& document, const std::vector<Reference>& references) {
-    struct Edit {
-        std::size_t begin;
-        std::size_t end;
-        std::string text;
-    };
     std::vector<Edit> edits;
     for (const Reference& reference : references) {
-        const auto spans = document.attributesOf(reference.entry);
-        const auto digest = std::find_if(spans.begin(), spans.end(), [](const auto& span) {
-            return span.name == cloud::kDigest;
-        });
-        if (digest != spans.end()) {
-            edits.push_back({digest->valueBegin, digest->valueEnd, reference.actualDigest});
-        } else {
-            // No digest at all: one goes after the last attribute, or after the element's name.
-            const std::size_t after = spans.empty() ? document.offsetOf(reference.entry) + 1 +
-                                                          std::string(reference.entry.name()).size()
-                                                    : spans.back().valueEnd + 1;
-            edits.push_back(
-                {after, after,
-                 std::string(" ") + cloud::kDigest + "=\"" + reference.actualDigest + "\""});
+        const pugi::xml_attribute digest = reference.entry.attribute(cloud::kDigest);
+        if (digest) {
+            Edit edit = valueOf(document, digest);
+            edit.text = reference.actualDigest;
+            edits.push_back(edit);
+            continue;
         }
+        // No digest at all: one goes after the last attribute, or after the element's name.
+        const pugi::xml_attribute last = reference.entry.last_attribute();
+        const std::size_t after = last ? valueOf(document, last).end + 1
+                                       : document.offsetOf(reference.entry) + 1 +
+                                             std::string(reference.entry.name()).size();
+        edits.push_back(
+            {after, after,
+             std::string(" ") + cloud::kDigest + "=\"" + reference.actualDigest + "\""});
     }
     std::sort(edits.begin(), edits.end(),
               [](const Edit& a, const Edit& b) { return a.begin > b.begin; });
@@ -268,16 +278,14 @@ void runRelease(const ReleaseOptions& options) {
     const std::string documentPath = findCloudDocument(options);
     SourceFile document(documentPath);
     const std::string problem = check::checkFile(document, FileKind::Cloud);
-    SourceFile scratch(documentPath, document.text());
-    pugi::xml_document parsed;
-    if (!problem.empty() || !check::parseXml(scratch, parsed)) {
+    if (!problem.empty() || !document.parseXml()) {
         failUnreadable(documentPath + ": " +
                        (problem.empty()
                             ? "not well-formed XML (run 'pallix check " + documentPath + "')"
                             : problem));
     }
 
-    std::vector<Reference> references = referencesOf(parsed);
+    std::vector<Reference> references = referencesOf(document.document());
     const bool rewriting = !options.writeDigests.empty();
     std::vector<std::string> changes;
     for (Reference& reference : references) {
@@ -287,8 +295,7 @@ void runRelease(const ReleaseOptions& options) {
         }
         // A digest that is not 32 hexadecimal digits is the document's own finding already.
         const bool wellFormed =
-            reference.digest.size() == 32 &&
-            reference.digest.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+            reference.digest.size() == 32 && check::isHexDigits(reference.digest);
         if (rewriting) {
             changes.push_back(reference.name + ": " +
                               (reference.digest.empty() ? "(none)" : reference.digest) + " -> " +
@@ -302,7 +309,7 @@ void runRelease(const ReleaseOptions& options) {
     const bool complete = std::all_of(references.begin(), references.end(),
                                       [](const Reference& r) { return r.file != nullptr; });
     if (rewriting && complete) {
-        writeDocument(options.writeDigests, documentPath, withDigests(scratch, references));
+        writeDocument(options.writeDigests, documentPath, withDigests(document, references));
     }
 
     std::vector<const SourceFile*> files{&document};
@@ -315,9 +322,8 @@ void runRelease(const ReleaseOptions& options) {
     std::size_t warnings = 0;
     nlohmann::ordered_json findings = nlohmann::ordered_json::array();
     for (const SourceFile* file : files) {
-        errors += file->count(check::Severity::Error);
-        warnings += file->count(check::Severity::Warning);
         for (const check::Finding& finding : file->findings()) {
+            ++(finding.severity == check::Severity::Error ? errors : warnings);
             if (options.json) {
                 findings.push_back({{"file", file->path()},
                                     {"line", finding.line},

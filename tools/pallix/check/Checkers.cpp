@@ -1,66 +1,185 @@
+// What the checker knows of each kind of file: its name, the root its reader looks for, how it
+// is told from the kinds that share its root, and its checker.
+
 #include "Checkers.h"
 
-#include "SourceFile.h"
+#include "CloudFormat.h"
+#include "ConfigurationFormat.h"
+#include "StoreFormats.h"
+#include "TableFormats.h"
+#include "ValueRules.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace pallix::check {
 
 namespace {
 
-void checkXml(SourceFile& file, const pugi::xml_document& document, FileKind kind) {
-    switch (kind) {
-    case FileKind::Cloud:
-        return checkCloud(file, document);
-    case FileKind::Cpid:
-        return checkCpid(file, document);
-    case FileKind::Crash:
-        return checkCrash(file, document);
-    case FileKind::RestoreError:
-        return checkRestoreError(file, document);
-    case FileKind::Mapping:
-        return checkMapping(file, document);
-    case FileKind::Config:
-        return checkConfig(file, document);
-    case FileKind::LegacyConfig:
-        return checkLegacyConfig(file, document);
-    case FileKind::Notify:
-        return checkNotify(file, document);
-    case FileKind::OldNotify:
-        return checkOldNotify(file, document);
-    case FileKind::Portbind:
-        return checkPortbind(file, document);
-    case FileKind::Ipsw:
-        return checkIpsw(file, document);
-    case FileKind::Version:
-        return checkVersion(file, document);
-    case FileKind::Factory:
-        return;
+namespace cfg = format::configuration;
+
+struct Kind {
+    const char* name;
+    const char* root; // null for factory information, JSON
+    void (*check)(SourceFile&, const pugi::xml_node& root);
+};
+
+// In the order of FileKind.
+const Kind kKinds[] = {
+    {"cloud", format::cloud::kRoot, checkCloud},
+    {"cpid", format::cpid::kRoot, checkCpid},
+    {"crash", format::crash::kRoot, checkCrash},
+    {"restore-error", format::restore_error::kRoot, checkRestoreError},
+    {"mapping", format::plugin_mapping::kRoot, checkMapping},
+    {"config", cfg::kRoot, checkConfig},
+    {"legacy-config", cfg::legacy::kRoot, checkLegacyConfig},
+    {"notify", format::notify::kRoot, checkNotify},
+    {"portbind", format::portbind::kRoot, checkPortbind},
+    {"factory", nullptr, nullptr},
+    {"ipsw", format::custom_firmware::kRoot, checkIpsw},
+    {"version", cfg::version::kRoot, checkVersion},
+    {"old-notify", format::notify::kOldRoot, checkOldNotify},
+};
+
+const Kind& kindOf(FileKind kind) {
+    return kKinds[static_cast<std::size_t>(kind)];
+}
+
+template <typename Names> bool hasAnyChild(const pugi::xml_node& node, const Names& names) {
+    return std::any_of(std::begin(names), std::end(names),
+                       [&node](const char* name) { return static_cast<bool>(node.child(name)); });
+}
+
+// The kinds that share the cloud document's root, each told by children that only it has.
+std::optional<FileKind> nevorKind(const pugi::xml_node& root) {
+    const char* const cloudParts[] = {format::cloud::kApplication, format::cloud::kCooperate,
+                                      format::cloud::kDevice};
+    if (root.child(format::notify::kList)) {
+        return FileKind::Notify;
     }
+    if (hasAnyChild(root, cloudParts)) {
+        return FileKind::Cloud;
+    }
+    if (hasAnyChild(root, cfg::kScalars) || hasAnyChild(root, cfg::kLists)) {
+        return FileKind::Config;
+    }
+    for (pugi::xml_node row = root.first_child(); row; row = row.next_sibling()) {
+        if (row.attribute(format::plugin_mapping::kVersion) ||
+            row.attribute(format::plugin_mapping::kMapping)) {
+            return FileKind::Mapping;
+        }
+    }
+    return std::nullopt;
+}
+
+// The kind of a parsed XML file, or nothing: `ambiguity` says why, or a finding that no reader
+// takes the root.
+std::optional<FileKind> xmlKind(SourceFile& file, std::string& ambiguity) {
+    const pugi::xml_node root = file.document().document_element();
+    const std::string name = root.name();
+    if (name == format::portbind::kRoot || name == format::custom_firmware::kRoot) {
+        if (root.child(format::portbind::kList) || root.child(format::custom_firmware::kList)) {
+            return root.child(format::portbind::kList) ? FileKind::Portbind : FileKind::Ipsw;
+        }
+        ambiguity = "cannot tell whether this is the port bindings or the custom firmware list: "
+                    "its root " +
+                    inQuotes(name) + " has neither " + inQuotes(format::portbind::kList) + " nor " +
+                    inQuotes(format::custom_firmware::kList) + "; name its kind with --kind";
+        return std::nullopt;
+    }
+    if (name == format::cloud::kRoot || name == cfg::kRoot || name == format::notify::kRoot ||
+        name == format::plugin_mapping::kRoot) {
+        const std::optional<FileKind> kind = nevorKind(root);
+        if (!kind) {
+            ambiguity = "cannot tell what kind of file this is: its root " + inQuotes(name) +
+                        " is shared by the cloud document, the plug-in mapping, the "
+                        "configuration and the notifications; name its kind with --kind";
+        }
+        return kind;
+    }
+    for (const Kind& kind : kKinds) {
+        if (kind.root != nullptr && name == kind.root) {
+            return FileKind(&kind - kKinds);
+        }
+    }
+    // Every reader of the library looks for a root of its own and reads nothing without it.
+    file.error(file.offsetOf(root),
+               "the root element " + inQuotes(name) +
+                   " is none that the library reads: no table, document or store takes "
+                   "anything from this file; name its kind with --kind to check it as one");
+    return std::nullopt;
+}
+
+bool looksLikeJson(const std::string& text) {
+    const auto first = text.find_first_not_of(" \t\r\n");
+    return first != std::string::npos && (text[first] == '{' || text[first] == '[');
 }
 
 } // namespace
+
+const std::vector<std::string>& fileKindNames() {
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> all;
+        for (const Kind& kind : kKinds) {
+            all.emplace_back(kind.name);
+        }
+        return all;
+    }();
+    return names;
+}
+
+std::string nameOf(FileKind kind) {
+    return kindOf(kind).name;
+}
+
+std::optional<FileKind> fileKindFromName(const std::string& name) {
+    const auto found = std::find(fileKindNames().begin(), fileKindNames().end(), name);
+    return found == fileKindNames().end()
+               ? std::nullopt
+               : std::optional(FileKind(found - fileKindNames().begin()));
+}
+
+std::optional<FileKind> detectFileKind(SourceFile& file) {
+    if (looksLikeJson(file.text())) {
+        return FileKind::Factory;
+    }
+    std::string ambiguity;
+    const std::optional<FileKind> kind = file.parseXml() ? xmlKind(file, ambiguity) : std::nullopt;
+    if (!ambiguity.empty()) {
+        file.error(0, ambiguity);
+    }
+    return kind;
+}
 
 std::string checkFile(SourceFile& file, std::optional<FileKind> kind) {
     if (kind == FileKind::Factory || (!kind && looksLikeJson(file.text()))) {
         checkFactory(file);
         return std::string();
     }
-    // Parsed once with the library's options; every check below sees what the library sees.
-    pugi::xml_document document;
-    if (!parseXml(file, document)) {
+    // Parsed once, as the library parses it: every check below sees what the library sees.
+    if (!file.parseXml()) {
         return std::string();
     }
     if (!kind) {
-        const Detection detection = detectXmlKind(file, document);
-        if (!detection.ambiguity.empty()) {
-            return detection.ambiguity;
+        std::string ambiguity;
+        kind = xmlKind(file, ambiguity);
+        if (!ambiguity.empty()) {
+            return ambiguity;
         }
-        kind = detection.kind;
     }
-    checkXmlSyntax(file, document);
-    if (kind) {
-        checkXml(file, document, *kind);
+    checkXmlSyntax(file);
+    // Without its own root (or, for a root no reader takes, any kind) nothing more is read.
+    const pugi::xml_node root = kind ? requireRoot(file, kindOf(*kind).root) : pugi::xml_node();
+    if (root) {
+        kindOf(*kind).check(file, root);
     }
     return std::string();
+}
+
+std::vector<Finding> checkBytes(const std::string& name, const std::string& bytes, FileKind kind) {
+    SourceFile file(name, bytes);
+    checkFile(file, kind);
+    return file.findings();
 }
 
 } // namespace pallix::check

@@ -4,15 +4,12 @@
 #include "Checkers.h"
 
 #include "CloudFormat.h"
-#include "Conversions.h"
-#include "SourceFile.h"
 #include "ValueRules.h"
 
+#include <strings.h>
+
 #include <algorithm>
-#include <cctype>
-#include <cstring>
 #include <iterator>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -21,153 +18,150 @@ namespace pallix::check {
 
 namespace {
 
-const auto& kReferenceFiles = format::cloud::kReferenceNames;
+namespace cloud = format::cloud;
+using format::ValueKind;
+
+// An element that the reader looks up as the first child of its name, the values it reads from
+// it, and the elements it looks up under it.
+struct Element {
+    const char* name;
+    std::vector<std::pair<const char*, ValueKind>> values = {};
+    std::vector<Element> children = {};
+};
+
+const std::vector<Element>& documentElements() {
+    static const std::vector<Element> elements = {
+        {cloud::kApplication,
+         {},
+         {{cloud::kAdvertisement,
+           {},
+           {{cloud::kIosApplication,
+             {{cloud::kAutoPopup, ValueKind::Boolean},
+              {cloud::kAutoInstall, ValueKind::Boolean}}}}},
+          {cloud::kApplet, {}, {{cloud::kVerifyGuide, {{cloud::kStatus, ValueKind::Boolean}}}}},
+          {cloud::kHash}}},
+        {cloud::kCooperate,
+         {},
+         {{cloud::kHsb,
+           {},
+           {{cloud::kSellStatus, {{cloud::kValue, ValueKind::Boolean}}},
+            {cloud::kSellTextDeviceInfo},
+            {cloud::kSellTextDeviceVerify},
+            {cloud::kAuthorize, {{cloud::kServicePort, ValueKind::Port}}}}}}},
+        {cloud::kDevice,
+         {},
+         {{cloud::kDeveloperPlugins},
+          {cloud::kDeveloperPluginsRvq},
+          {cloud::kDrive,
+           {},
+           {{cloud::kVersion}, {cloud::kItunes, {}, {{cloud::kItunes32}, {cloud::kItunes64}}}}},
+          {cloud::kProcessManager, {}, {{cloud::kPluginRules}, {cloud::kApplicationRules}}}}},
+    };
+    return elements;
+}
+
+void checkElements(SourceFile& file, const pugi::xml_node& parent,
+                   const std::vector<Element>& elements) {
+    for (const Element& element : elements) {
+        warnAboutRepeatedElements(file, parent, {element.name}, nullptr);
+        const pugi::xml_node node = parent.child(element.name);
+        for (const auto& [attribute, kind] : element.values) {
+            checkValue(file, node, attribute, kind);
+        }
+        checkElements(file, node, element.children);
+    }
+}
 
 bool isWebAddress(const std::string& url) {
-    const auto schemeEnd = url.find("://");
-    if (schemeEnd == std::string::npos || schemeEnd + 3 >= url.size()) {
-        return false;
-    }
-    std::string scheme = url.substr(0, schemeEnd);
-    for (char& c : scheme) {
-        c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-    }
-    return scheme == "http" || scheme == "https";
+    return (strncasecmp(url.c_str(), "http://", 7) == 0 && url.size() > 7) ||
+           (strncasecmp(url.c_str(), "https://", 8) == 0 && url.size() > 8);
 }
 
 bool isDigest(const std::string& text) {
-    return text.size() == 32 && isHexDigits(text, false);
+    return text.size() == 32 && isHexDigits(text);
 }
 
-// The name that a lookup would have found had the case been right, if any.
-const char* sameNameIgnoringCase(const std::string& name) {
-    for (const char* known : kReferenceFiles) {
-        if (name.size() == std::strlen(known) &&
-            std::equal(name.begin(), name.end(), known, [](char a, char b) {
-                return std::tolower(static_cast<unsigned char>(a)) ==
-                       std::tolower(static_cast<unsigned char>(b));
-            })) {
-            return known;
-        }
+// A digest and an address that the application downloads and verifies.
+void checkDownload(SourceFile& file, const pugi::xml_node& entry, const char* digest,
+                   const std::string& digestOf, const std::string& of, const char* extra) {
+    const std::string hash = entry.attribute(digest).value();
+    const std::string url = entry.attribute(cloud::kAddress).value();
+    if (!isDigest(hash)) {
+        file.error(file.offsetOf(entry, digest),
+                   digestOf + " is " + inQuotes(hash) + ", not 32 hexadecimal digits" + extra);
     }
-    return nullptr;
+    if (!isWebAddress(url)) {
+        file.error(file.offsetOf(entry, cloud::kAddress), "the address of " + of + " is " +
+                                                              inQuotes(url) +
+                                                              ", not an http or https address");
+    }
 }
 
 void checkReferenceFiles(SourceFile& file, const pugi::xml_node& root) {
-    const pugi::xml_node hash = root.child("Application").child("Hash");
-    std::map<std::string, std::size_t> names;
-    if (hash) {
-        warnAboutTextEntries(file, hash, kTextIsNotRead);
+    const pugi::xml_node hash = root.child(cloud::kApplication).child(cloud::kHash);
+    std::string allNames;
+    for (const char* name : cloud::kReferenceNames) {
+        allNames += (allNames.empty() ? "" : ", ") + std::string(name);
     }
-    for (pugi::xml_node entry = hash.first_child(); entry; entry = entry.next_sibling()) {
-        if (entry.type() != pugi::node_element) {
-            continue;
-        }
-        const std::string name = entry.attribute("Name").value();
-        const std::string digest = entry.attribute("MD5").value();
-        const std::string url = entry.attribute("Url").value();
-        const std::size_t at = file.offsetOf(entry);
-        const bool known = std::find(std::begin(kReferenceFiles), std::end(kReferenceFiles),
-                                     name) != std::end(kReferenceFiles);
-        if (!known) {
+    std::set<std::string> names;
+    for (const pugi::xml_node& entry : entries(file, hash, kTextIsNotRead)) {
+        const std::string name = entry.attribute(cloud::kName).value();
+        const auto known = std::find_if(
+            std::begin(cloud::kReferenceNames), std::end(cloud::kReferenceNames),
+            [&name](const char* known) { return strcasecmp(known, name.c_str()) == 0; });
+        if (known == std::end(cloud::kReferenceNames) || name != *known) {
             // The lookups compare names exactly, case included.
-            const char* meant = sameNameIgnoringCase(name);
-            file.warning(
-                file.offsetOf(entry, "Name"),
-                "reference file " + inQuotes(name) + " is not one that the application looks up (" +
-                    (meant != nullptr ? "names are case-sensitive: it is not " + inQuotes(meant)
-                                      : std::string("CPID, CrashCode, RestoreCode, "
-                                                    "RestoreVersion, "
-                                                    "DeveloperPluginMapping")) +
-                    "); this entry is never used");
-        } else if (!names.emplace(name, at).second) {
-            file.warning(file.offsetOf(entry, "Name"),
+            file.warning(file.offsetOf(entry, cloud::kName),
+                         "reference file " + inQuotes(name) +
+                             " is not one that the application looks up (" +
+                             (known != std::end(cloud::kReferenceNames)
+                                  ? "names are case-sensitive: it is not " + inQuotes(*known)
+                                  : allNames) +
+                             "); this entry is never used");
+        } else if (!names.insert(name).second) {
+            file.warning(file.offsetOf(entry, cloud::kName),
                          "reference file " + inQuotes(name) +
                              " is listed again; only the first entry is used");
         }
-        if (!isDigest(digest)) {
-            file.error(file.offsetOf(entry, "MD5"), "the MD5 digest of " + inQuotes(name) + " is " +
-                                                        inQuotes(digest) +
-                                                        ", not 32 hexadecimal digits");
-        }
-        if (!isWebAddress(url)) {
-            file.error(file.offsetOf(entry, "Url"), "the address of " + inQuotes(name) + " is " +
-                                                        inQuotes(url) +
-                                                        ", not an http or https address");
-        }
+        checkDownload(file, entry, cloud::kDigest,
+                      "the " + std::string(cloud::kDigest) + " digest of " + inQuotes(name),
+                      inQuotes(name), "");
     }
-    const std::size_t missingAt = hash ? file.offsetOf(hash) : file.offsetOf(root);
-    for (const char* name : kReferenceFiles) {
-        if (!names.count(name)) {
-            file.error(missingAt, std::string("the reference file ") + inQuotes(name) +
-                                      " is missing from Application/Hash");
+    for (const char* name : cloud::kReferenceNames) {
+        if (names.count(name) == 0) {
+            file.error(file.offsetOf(hash ? hash : root),
+                       "the reference file " + inQuotes(name) + " is missing from " +
+                           cloud::kApplication + "/" + cloud::kHash);
         }
-    }
-}
-
-void checkPartner(SourceFile& file, const pugi::xml_node& root) {
-    const pugi::xml_node hsb = root.child("Cooperate").child("HSB");
-    checkBooleanAttribute(file, hsb.child("SellStatus"), "VALUE");
-    const pugi::xml_node authorize = hsb.child("Authorize");
-    const pugi::xml_attribute port = authorize.attribute("ServicePort");
-    if (!port) {
-        return;
-    }
-    const std::optional<IntegerText> value = parseInteger(port.value());
-    if (!value || value->negative || value->overflow || value->magnitude > 65535) {
-        file.error(file.offsetOf(authorize, "ServicePort"),
-                   "ServicePort " + inQuotes(port.value()) +
-                       " is not a port number from 0 to 65535; it is read as " +
-                       std::to_string(format::readPort(port)));
     }
 }
 
 void checkPlugins(SourceFile& file, const pugi::xml_node& list) {
-    if (!list) {
-        return;
-    }
-    warnAboutTextEntries(file, list, kTextIsNotRead);
     std::set<std::string> versions;
-    for (pugi::xml_node item = list.first_child(); item; item = item.next_sibling()) {
-        if (item.type() != pugi::node_element) {
-            continue;
-        }
-        const std::string version = item.attribute("Version").value();
-        const std::string digest = item.attribute("Hash").value();
-        const std::string url = item.attribute("Url").value();
-        if (!isDigest(digest)) {
-            file.error(file.offsetOf(item, "Hash"),
-                       "the digest of plug-in package " + inQuotes(version) + " is " +
-                           inQuotes(digest) + ", not 32 hexadecimal digits (an MD5 digest)");
-        }
-        if (!isWebAddress(url)) {
-            file.error(file.offsetOf(item, "Url"), "the address of plug-in package " +
-                                                       inQuotes(version) + " is " + inQuotes(url) +
-                                                       ", not an http or https address");
-        }
+    for (const pugi::xml_node& item : entries(file, list, kTextIsNotRead)) {
+        const std::string version = item.attribute(cloud::kVersion).value();
+        const std::string package = "plug-in package " + inQuotes(version);
+        checkDownload(file, item, cloud::kHash, "the digest of " + package, package,
+                      " (an MD5 digest)");
         if (version.empty()) {
-            file.warning(file.offsetOf(item), "a plug-in package without a Version is never "
-                                              "found: lookups of an empty version find nothing");
+            file.warning(file.offsetOf(item), std::string("a plug-in package without a ") +
+                                                  cloud::kVersion +
+                                                  " is never found: lookups of an empty version "
+                                                  "find nothing");
         } else if (!versions.insert(version).second) {
-            file.warning(file.offsetOf(item, "Version"),
+            file.warning(file.offsetOf(item, cloud::kVersion),
                          "plug-in version " + inQuotes(version) + " in " + inQuotes(list.name()) +
                              " is listed again; only the first package is used");
         }
     }
 }
 
+// The first rule that holds for a name wins, and an empty pattern holds for every name.
 void checkProcessRules(SourceFile& file, const pugi::xml_node& list) {
-    if (!list) {
-        return;
-    }
-    warnAboutTextEntries(file, list, kTextIsNotRead);
-    for (pugi::xml_node rule = list.first_child(); rule; rule = rule.next_sibling()) {
-        if (rule.type() != pugi::node_element) {
-            continue;
-        }
-        const bool matchesAll = !*rule.attribute("StartsWith").value() &&
-                                !*rule.attribute("Contains").value() &&
-                                !*rule.attribute("EndsWith").value();
+    for (const pugi::xml_node& rule : entries(file, list, kTextIsNotRead)) {
+        const bool matchesAll = !*rule.attribute(cloud::kStartsWith).value() &&
+                                !*rule.attribute(cloud::kContains).value() &&
+                                !*rule.attribute(cloud::kEndsWith).value();
         if (matchesAll && rule.next_sibling()) {
             file.warning(file.offsetOf(rule),
                          "this " + inQuotes(list.name()) +
@@ -177,63 +171,17 @@ void checkProcessRules(SourceFile& file, const pugi::xml_node& list) {
     }
 }
 
-// Every element of the document is looked up as the first child of its name; the tree below
-// names each one with the elements under it.
-struct Element {
-    const char* name;
-    std::vector<Element> children;
-};
-
-void checkRepeatedElements(SourceFile& file, const pugi::xml_node& parent,
-                           const std::vector<Element>& elements) {
-    for (const Element& element : elements) {
-        warnAboutRepeatedElements(file, parent, {element.name}, nullptr);
-        checkRepeatedElements(file, parent.child(element.name), element.children);
-    }
-}
-
-void checkRepeatedElements(SourceFile& file, const pugi::xml_node& root) {
-    static const std::vector<Element> tree = {
-        {"Application",
-         {{"Advertisement", {{"IosApplication", {}}}},
-          {"Applet", {{"VerifyGuide", {}}}},
-          {"Hash", {}}}},
-        {"Cooperate",
-         {{"HSB",
-           {{"SellStatus", {}},
-            {"SellTextDeviceInfo", {}},
-            {"SellTextDeviceVerify", {}},
-            {"Authorize", {}}}}}},
-        {"Device",
-         {{"DeveloperPlugins", {}},
-          {"DeveloperPlugins_RVQ", {}},
-          {"Drive", {{"Version", {}}, {"iTunes", {{"X86", {}}, {"X64", {}}}}}},
-          {"ProcessManager", {{"Plugins", {}}, {"Process", {}}}}}},
-    };
-    checkRepeatedElements(file, root, tree);
-}
-
 } // namespace
 
-void checkCloud(SourceFile& file, const pugi::xml_document& document) {
-    const pugi::xml_node root = requireRoot(file, document, "Nevor");
-    if (!root) {
-        return;
-    }
-    const pugi::xml_node application = root.child("Application");
-    const pugi::xml_node iosApp = application.child("Advertisement").child("IosApplication");
-    checkBooleanAttribute(file, iosApp, "AutoPopup");
-    checkBooleanAttribute(file, iosApp, "AutoInstall");
-    checkBooleanAttribute(file, application.child("Applet").child("VerifyGuide"), "Status");
+void checkCloud(SourceFile& file, const pugi::xml_node& root) {
     checkReferenceFiles(file, root);
-    checkPartner(file, root);
-    const pugi::xml_node device = root.child("Device");
-    checkPlugins(file, device.child("DeveloperPlugins"));
-    checkPlugins(file, device.child("DeveloperPlugins_RVQ"));
-    const pugi::xml_node processes = device.child("ProcessManager");
-    checkProcessRules(file, processes.child("Plugins"));
-    checkProcessRules(file, processes.child("Process"));
-    checkRepeatedElements(file, root);
+    const pugi::xml_node device = root.child(cloud::kDevice);
+    checkPlugins(file, device.child(cloud::kDeveloperPlugins));
+    checkPlugins(file, device.child(cloud::kDeveloperPluginsRvq));
+    const pugi::xml_node processes = device.child(cloud::kProcessManager);
+    checkProcessRules(file, processes.child(cloud::kPluginRules));
+    checkProcessRules(file, processes.child(cloud::kApplicationRules));
+    checkElements(file, root, documentElements());
 }
 
 } // namespace pallix::check

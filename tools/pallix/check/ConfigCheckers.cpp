@@ -1,12 +1,13 @@
-// Checks of the application's configuration file and of the legacy file it replaces: values
-// that would not survive a load, names the application does not know, repeated keys.
+// Checks of the application's configuration file, of the legacy file it replaces and of the
+// running version: values that would not survive a load, names the application does not know,
+// repeated keys.
 
 #include "Checkers.h"
 
 #include "ConfigurationFormat.h"
-#include "SourceFile.h"
 #include "ValueRules.h"
 
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -14,81 +15,73 @@ namespace pallix::check {
 
 namespace {
 
-const std::set<std::string>& knownSettings() {
-    static const std::set<std::string> names = {
-        "ApplicationAutorun",   "WindowCloseSelect",     "WindowCloseOperate",
-        "WindowAnimation",      "WiFiConnect",           "ITunesAutorun",
-        "KeepFirmwareCache",    "RelationIpa",           "VerifySerialNumber",
-        "VerifyPaymentConfirm", "VerifyTimecardConfirm", "ToolsProcessSkipService",
-        "RESTORE_FACTORY"};
-    return names;
-}
+namespace cfg = format::configuration;
+namespace legacy = cfg::legacy;
+using format::ValueKind;
 
-// A number of the file as the library reads it: pugixml's conversion of the reader's width,
-// which gives the reader's default for an empty value and clamps what does not fit.
-std::string readAs(const pugi::xml_attribute& attribute, IntegerWidth width, int fallback) {
-    switch (width) {
-    case IntegerWidth::Int32:
-        return std::to_string(attribute.as_int(fallback));
-    case IntegerWidth::Int64:
-        return std::to_string(attribute.as_llong(fallback));
-    case IntegerWidth::UInt64:
-        return std::to_string(attribute.as_ullong(static_cast<unsigned long long>(fallback)));
+// The numbers among the scalars, as the reader's width takes them.
+void checkNumbers(SourceFile& file, const pugi::xml_node& root, const char* valueAttribute,
+                  bool imported) {
+    for (const cfg::Preference& scalar : cfg::kPreferences) {
+        // The import leaves the language out.
+        if (scalar.width != ValueKind::Text &&
+            !(imported && format::sameName(scalar.element, cfg::kLastLanguage))) {
+            checkValue(file, root.child(scalar.element), valueAttribute, scalar.width,
+                       imported ? "it is read as {}, so it is not imported as written"
+                                : "it is read as {}, so it does not survive a load",
+                       scalar.byDefault);
+        }
     }
-    return std::string();
 }
 
-void checkScalar(SourceFile& file, const pugi::xml_node& parent, const char* element,
-                 IntegerWidth width, int fallback, const std::string& consequence) {
-    const pugi::xml_node node = parent.child(element);
-    const pugi::xml_attribute value = node.attribute("Value");
-    checkIntegerAttribute(file, node, "Value", width,
-                          "it is read as " + readAs(value, width, fallback) + consequence);
-}
-
-// A list element whose items are keyed by `keyAttribute`: the first item of a key wins.
-void checkKeyedItems(SourceFile& file, const pugi::xml_node& list, const char* keyAttribute,
-                     const char* booleanAttribute, const std::set<std::string>* knownKeys) {
-    if (!list) {
-        return;
-    }
-    warnAboutTextEntries(file, list, kTextIsAnEmptyEntry);
+// A list whose entries are keyed: the reader keeps the first entry of a key. `known`, when not
+// empty, holds the keys that the application has defaults for.
+void checkKeyedList(SourceFile& file, const pugi::xml_node& list, const char* key, const char* flag,
+                    const std::vector<std::string>& known = {}) {
     std::set<std::string> keys;
-    for (pugi::xml_node item = list.first_child(); item; item = item.next_sibling()) {
-        if (item.type() != pugi::node_element) {
-            continue;
-        }
-        const std::string key = item.attribute(keyAttribute).value();
-        const std::size_t at = file.offsetOf(item, keyAttribute);
-        if (!keys.insert(key).second) {
-            file.warning(at, inQuotes(list.name()) + " lists " + inQuotes(key) +
+    for (const pugi::xml_node& item : entries(file, list, kTextIsAnEmptyEntry)) {
+        const std::string name = item.attribute(key).value();
+        const std::size_t at = file.offsetOf(item, key);
+        if (!keys.insert(name).second) {
+            file.warning(at, inQuotes(list.name()) + " lists " + inQuotes(name) +
                                  " again; only the first entry is kept");
-        } else if (knownKeys != nullptr && !knownKeys->count(key)) {
-            file.warning(at, inQuotes(key) + " is not a setting that the library knows: it has "
-                                             "no default of its own and is only carried along, "
-                                             "read and written back as it is");
+        } else if (!known.empty() && std::find(known.begin(), known.end(), name) == known.end()) {
+            file.warning(at, inQuotes(name) + " is not a setting that the library knows: it has "
+                                              "no default of its own and is only carried along, "
+                                              "read and written back as it is");
         }
-        if (booleanAttribute != nullptr) {
-            checkBooleanAttribute(file, item, booleanAttribute);
+        if (flag != nullptr) {
+            checkValue(file, item, flag, ValueKind::Boolean);
         }
     }
 }
 
-void checkLocations(SourceFile& file, const pugi::xml_node& list) {
-    if (!list) {
-        return;
-    }
-    warnAboutTextEntries(file, list, kTextIsAnEmptyEntry);
-    for (pugi::xml_node item = list.first_child(); item; item = item.next_sibling()) {
-        checkNumberAttribute(file, item, "X");
-        checkNumberAttribute(file, item, "Y");
+// Flags on the entries of a list that takes text as an entry too, without saying so.
+void checkFlags(SourceFile& file, const pugi::xml_node& list, const char* flag) {
+    for (const pugi::xml_node& item : entries(file, list, nullptr)) {
+        checkValue(file, item, flag, ValueKind::Boolean);
     }
 }
 
-void warnAboutUnknownElements(SourceFile& file, const pugi::xml_node& root,
-                              const std::set<std::string>& known) {
-    for (pugi::xml_node child = root.first_child(); child; child = child.next_sibling()) {
-        if (child.type() == pugi::node_element && !known.count(child.name())) {
+void checkPlaces(SourceFile& file, const pugi::xml_node& list) {
+    for (const pugi::xml_node& item : entries(file, list, kTextIsAnEmptyEntry)) {
+        checkValue(file, item, cfg::kX, ValueKind::Number);
+        checkValue(file, item, cfg::kY, ValueKind::Number);
+    }
+}
+
+// The reader looks each element up by name: a later one of a name is never read, and one of
+// another name not at all.
+void checkElements(SourceFile& file, const pugi::xml_node& root,
+                   const std::vector<const char*>& scalars, const std::vector<const char*>& lists,
+                   const char* valueAttribute) {
+    warnAboutRepeatedElements(file, root, scalars, valueAttribute);
+    warnAboutRepeatedElements(file, root, lists, nullptr);
+    std::set<std::string> known(scalars.begin(), scalars.end());
+    known.insert(lists.begin(), lists.end());
+    known.insert(cfg::kLastLanguage); // the legacy file's is known, but not imported
+    for (const pugi::xml_node& child : entries(file, root, nullptr)) {
+        if (known.count(child.name()) == 0) {
             file.warning(file.offsetOf(child),
                          "element " + inQuotes(child.name()) + " is not read and is ignored");
         }
@@ -97,136 +90,67 @@ void warnAboutUnknownElements(SourceFile& file, const pugi::xml_node& root,
 
 } // namespace
 
-void checkConfig(SourceFile& file, const pugi::xml_document& document) {
-    const pugi::xml_node root = requireRoot(file, document, "Nevor");
-    if (!root) {
-        return;
+void checkConfig(SourceFile& file, const pugi::xml_node& root) {
+    checkNumbers(file, root, cfg::kValue, false);
+    const pugi::xml_node skin = root.child(cfg::kLastSkin);
+    const std::string skinText = skin.attribute(cfg::kValue).value();
+    if (skin && !(skinText.size() == 6 && isHexDigits(skinText))) {
+        file.warning(file.offsetOf(skin, cfg::kValue), std::string(cfg::kLastSkin) + " " +
+                                                           inQuotes(skinText) +
+                                                           " is not six hexadecimal digits");
     }
-    const std::string lost = ", so it does not survive a load";
-    checkScalar(file, root, "PopupTimeADAPP", IntegerWidth::UInt64, 0, lost);
-    checkScalar(file, root, "SameTimeDownloadNumber", IntegerWidth::Int32, 3, lost);
-    checkScalar(file, root, "DownloadMaxSpeed", IntegerWidth::Int32, 0, lost);
-    checkScalar(file, root, "LastLanguage", IntegerWidth::Int32, 0, lost);
-    checkScalar(file, root, "RestoreCore", IntegerWidth::Int32, 0, lost);
-    const pugi::xml_node skin = root.child("LastSkin");
-    const std::string skinText = skin.attribute("Value").value();
-    if (skin && !(skinText.size() == 6 && isHexDigits(skinText, false))) {
-        file.warning(file.offsetOf(skin, "Value"),
-                     "LastSkin " + inQuotes(skinText) + " is not six hexadecimal digits");
+    std::vector<std::string> settings;
+    for (const cfg::KnownSetting& setting : cfg::kKnownSettings) {
+        settings.emplace_back(setting.name);
     }
-    warnAboutRepeatedElements(file, root,
-                              {"LastVersion", "PopupTimeADAPP", "SameTimeDownloadNumber",
-                               "DownloadMaxSpeed", "LastSkin", "LastLanguage", "RestoreCore",
-                               "UserDir"},
-                              "Value");
-    warnAboutRepeatedElements(file, root,
-                              {"Status", "Directory", "Tools", "CustomBackup", "FileFavorites",
-                               "AutoImport", "VirtualLocation", "LocationFavorites"},
-                              nullptr);
-    checkKeyedItems(file, root.child("Status"), "Name", "Status", &knownSettings());
-    checkKeyedItems(file, root.child("Directory"), "Name", nullptr, nullptr);
-    checkKeyedItems(file, root.child("Tools"), "Name", "Status", nullptr);
-    static const std::set<std::string> autoImportKeys = {"Ringtone"};
-    checkKeyedItems(file, root.child("AutoImport"), "Name", "Status", &autoImportKeys);
-    const pugi::xml_node favourites = root.child("FileFavorites");
-    for (pugi::xml_node item = favourites.first_child(); item; item = item.next_sibling()) {
-        checkBooleanAttribute(file, item, "Root");
-    }
-    checkLocations(file, root.child("VirtualLocation"));
-    checkLocations(file, root.child("LocationFavorites"));
-    warnAboutUnknownElements(file, root,
-                             {"LastVersion", "PopupTimeADAPP", "SameTimeDownloadNumber",
-                              "DownloadMaxSpeed", "LastSkin", "LastLanguage", "RestoreCore",
-                              "Status", "Directory", "Tools", "CustomBackup", "FileFavorites",
-                              "AutoImport", "VirtualLocation", "LocationFavorites", "UserDir"});
+    checkKeyedList(file, root.child(cfg::kStatus), cfg::kName, cfg::kFlag, settings);
+    checkKeyedList(file, root.child(cfg::kDirectory), cfg::kName, nullptr);
+    checkKeyedList(file, root.child(cfg::kTools), cfg::kName, cfg::kFlag);
+    checkKeyedList(file, root.child(cfg::kAutoImport), cfg::kName, cfg::kFlag, {cfg::kRingtone});
+    checkFlags(file, root.child(cfg::kFileFavorites), cfg::kRootFlag);
+    checkPlaces(file, root.child(cfg::kVirtualLocation));
+    checkPlaces(file, root.child(cfg::kLocationFavorites));
+    checkElements(file, root, {std::begin(cfg::kScalars), std::end(cfg::kScalars)},
+                  {std::begin(cfg::kLists), std::end(cfg::kLists)}, cfg::kValue);
 }
 
-void checkLegacyConfig(SourceFile& file, const pugi::xml_document& document) {
-    const pugi::xml_node root = requireRoot(file, document, "Config");
-    if (!root) {
-        return;
+void checkLegacyConfig(SourceFile& file, const pugi::xml_node& root) {
+    checkNumbers(file, root, legacy::kValue, true);
+    std::vector<const char*> scalars(std::begin(legacy::kScalars), std::end(legacy::kScalars));
+    for (const legacy::RenamedSetting& setting : legacy::kSettings) {
+        checkValue(file, root.child(setting.legacyName), legacy::kValue, ValueKind::Boolean);
+        scalars.push_back(setting.legacyName);
     }
-    const std::string lost = ", so it is not imported as written";
-    checkScalar(file, root, "PopupTimeADAPP", IntegerWidth::UInt64, 0, lost);
-    checkScalar(file, root, "SameTimeDownloadNumber", IntegerWidth::Int32, 3, lost);
-    checkScalar(file, root, "DownloadMaxSpeed", IntegerWidth::Int32, 0, lost);
-    checkScalar(file, root, "RestoreCore", IntegerWidth::Int32, 0, lost);
-    static const char* const flags[] = {
-        "SelectClose", "CloseButton",  "WifiConnect",     "ITunesState", "SaveIpswCache",
-        "RelationIpa", "VerifySerial", "WindowAnimation", "VerifyPro",   "NumberCard"};
-    for (const char* flag : flags) {
-        checkBooleanAttribute(file, root.child(flag), "Value");
+    checkKeyedList(file, root.child(cfg::kDirectory), legacy::kKey, nullptr);
+    checkKeyedList(file, root.child(cfg::kTools), legacy::kKey, legacy::kKeyValue);
+    checkValue(file, root.child(cfg::kAutoImport).child(cfg::kRingtone), legacy::kValue,
+               ValueKind::Boolean);
+    checkFlags(file, root.child(legacy::kCollectionList), legacy::kCollectionRoot);
+    checkPlaces(file, root.child(legacy::kVirtualLocationList));
+    checkPlaces(file, root.child(legacy::kLocationCollectList));
+    if (const pugi::xml_node language = root.child(cfg::kLastLanguage)) {
+        file.warning(file.offsetOf(language), "the language of the legacy file is not imported");
     }
-    checkKeyedItems(file, root.child("Directory"), "KEY", nullptr, nullptr);
-    checkKeyedItems(file, root.child("Tools"), "KEY", "VALUE", nullptr);
-    checkBooleanAttribute(file, root.child("AutoImport").child("Ringtone"), "Value");
-    const pugi::xml_node collections = root.child("CollectionList");
-    for (pugi::xml_node item = collections.first_child(); item; item = item.next_sibling()) {
-        checkBooleanAttribute(file, item, "CollectionRoot");
-    }
-    checkLocations(file, root.child("VirtualLocationList"));
-    checkLocations(file, root.child("LocationCollectList"));
-    warnAboutRepeatedElements(
-        file, root,
-        {"LastVersion", "PopupTimeADAPP", "SameTimeDownloadNumber", "DownloadMaxSpeed", "LastSkin",
-         "RestoreCore", "SelectClose", "CloseButton", "WifiConnect", "ITunesState", "SaveIpswCache",
-         "RelationIpa", "VerifySerial", "WindowAnimation", "VerifyPro", "NumberCard", "UserDir"},
-        "Value");
-    warnAboutRepeatedElements(file, root,
-                              {"Directory", "Tools", "BackupList", "CollectionList", "AutoImport",
-                               "VirtualLocationList", "LocationCollectList"},
-                              nullptr);
-    if (root.child("LastLanguage")) {
-        file.warning(file.offsetOf(root.child("LastLanguage")),
-                     "the language of the legacy file is not imported");
-    }
-    warnAboutUnknownElements(file, root,
-                             {"LastVersion",
-                              "PopupTimeADAPP",
-                              "SameTimeDownloadNumber",
-                              "DownloadMaxSpeed",
-                              "LastSkin",
-                              "RestoreCore",
-                              "SelectClose",
-                              "CloseButton",
-                              "WifiConnect",
-                              "ITunesState",
-                              "SaveIpswCache",
-                              "RelationIpa",
-                              "VerifySerial",
-                              "WindowAnimation",
-                              "VerifyPro",
-                              "NumberCard",
-                              "Directory",
-                              "UserDir",
-                              "Tools",
-                              "BackupList",
-                              "CollectionList",
-                              "AutoImport",
-                              "VirtualLocationList",
-                              "LocationCollectList",
-                              "LastLanguage"});
+    checkElements(file, root, scalars, {std::begin(legacy::kLists), std::end(legacy::kLists)},
+                  legacy::kValue);
 }
 
-// The resources' version file: the running version decides whether the application was just
-// updated, so a file that yields no version makes every start look like an update.
-void checkVersion(SourceFile& file, const pugi::xml_document& document) {
-    const pugi::xml_node root = requireRoot(file, document, "root");
-    if (!root) {
-        return;
-    }
-    const pugi::xml_node control = root.child("Control");
+// The running version decides whether the application was just updated, so a file that yields
+// no version makes every start look like an update.
+void checkVersion(SourceFile& file, const pugi::xml_node& root) {
+    namespace version = cfg::version;
+    const pugi::xml_node control = root.child(version::kControl);
     if (!control) {
-        file.error(file.offsetOf(root),
-                   "no \"Control\" element: the running version falls back to \"" +
-                       std::string(format::configuration::kFallbackVersion) + "\"");
+        file.error(file.offsetOf(root), "no " + inQuotes(version::kControl) +
+                                            " element: the running version falls back to " +
+                                            inQuotes(cfg::kFallbackVersion));
         return;
     }
-    const pugi::xml_node version = control.child("Version");
-    const std::string value = version.attribute("VALUE").value();
-    if (value.empty()) {
-        file.error(file.offsetOf(version ? version : control),
-                   "no \"Version\" element with a VALUE: the running version is empty");
+    const pugi::xml_node value = control.child(version::kVersion);
+    if (*value.attribute(version::kValue).value() == '\0') {
+        file.error(file.offsetOf(value ? value : control),
+                   "no " + inQuotes(version::kVersion) + " element with a " + version::kValue +
+                       ": the running version is empty");
     }
 }
 

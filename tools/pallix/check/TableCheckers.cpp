@@ -2,207 +2,171 @@
 // mapping. Each finding names what the library would do with the row.
 
 #include "Checkers.h"
-#include "SourceFile.h"
 #include "ValueRules.h"
 
+#include "Conversions.h"
 #include "NString.h"
+#include "TableFormats.h"
 
+#include <cstdlib>
+#include <initializer_list>
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace pallix::check {
 
 namespace {
 
-// The chip text that "%04X" can print: four digits, or more without a leading zero, at most
-// eight (32 bits).
-bool isPrintableChip(const std::string& text) {
-    if (!isHexDigits(text, true) || text.size() < 4 || text.size() > 8) {
-        return false;
+using format::ValueKind;
+
+// Texts that the interface shows for the row, each with what it is shown as: missing or empty,
+// the user sees nothing there.
+void warnAboutMissingTexts(SourceFile& file, const pugi::xml_node& row, const std::string& rowName,
+                           std::initializer_list<std::pair<const char*, const char*>> texts) {
+    for (const auto& [name, shownAs] : texts) {
+        const pugi::xml_attribute text = row.attribute(name);
+        if (*text.value() == '\0') {
+            file.warning(text ? file.offsetOf(text) : file.offsetOf(row),
+                         rowName + " has " + (text ? "an empty " : "no ") + name + ": " + shownAs +
+                             " is shown as an empty text");
+        }
     }
-    return text.size() == 4 || text[0] != '0';
 }
 
-// The crash table compares keys ignoring case as the framework string folds them.
-std::string folded(const std::string& text) {
-    return NString(text).foldCase().toStdString();
-}
-
-bool loadRoot(SourceFile& file, const pugi::xml_document& document, const char* rootName,
-              pugi::xml_node& root) {
-    root = requireRoot(file, document, rootName);
-    if (!root) {
-        return false;
-    }
-    // The tables take only elements as rows.
-    warnAboutTextEntries(file, root, kTextIsNotRead);
-    return true;
-}
-
-// A text that the interface shows for the row: missing or empty, the user sees nothing there.
-void warnAboutMissingText(SourceFile& file, const pugi::xml_node& row, const char* attribute,
-                          const std::string& rowName, const std::string& shownAs) {
-    const pugi::xml_attribute text = row.attribute(attribute);
-    if (*text.value() != '\0') {
-        return;
-    }
-    file.warning(text ? file.offsetOf(row, attribute) : file.offsetOf(row),
-                 rowName + " has " + (text ? "an empty " : "no ") + attribute + ": " + shownAs +
-                     " is shown as an empty text");
+// Whether a lookup, which turns a number into text with `toText`, can ever produce this text.
+bool isLookedUp(const std::string& text, std::string (*toText)(unsigned)) {
+    return toText(static_cast<unsigned>(std::strtoull(text.c_str(), nullptr, 16))) == text;
 }
 
 } // namespace
 
-void checkCpid(SourceFile& file, const pugi::xml_document& document) {
-    pugi::xml_node root;
-    if (!loadRoot(file, document, "DEVICE", root)) {
-        return;
-    }
-    std::map<std::pair<std::string, std::string>, std::size_t> firstRow; // pair -> offset
-    std::map<std::string, std::size_t> chips;                            // chip -> first offset
-    std::set<std::string> chipsWithDefault;
-    for (pugi::xml_node row = root.first_child(); row; row = row.next_sibling()) {
-        if (row.type() != pugi::node_element) {
-            continue;
-        }
-        const std::string chip = row.attribute("CPID").value();
-        const std::string board = row.attribute("BDID").value();
-        const std::size_t at = file.offsetOf(row);
-        bool findable = true;
-        if (!isPrintableChip(chip)) {
-            file.error(file.offsetOf(row, "CPID"),
-                       "CPID " + inQuotes(chip) +
+void checkCpid(SourceFile& file, const pugi::xml_node& root) {
+    namespace cpid = format::cpid;
+    const std::string fallback = format::boardText(format::kFallbackBoard);
+    std::set<std::pair<std::string, std::string>> pairs;
+    std::map<std::string, std::size_t> chips; // chip -> its first row
+    std::set<std::string> chipsWithFallback;
+    for (const pugi::xml_node& row : entries(file, root, kTextIsNotRead)) {
+        const std::string chip = row.attribute(cpid::kChip).value();
+        const std::string board = row.attribute(cpid::kBoard).value();
+        // Looked up as the library turns a device's numbers into text, which keeps every digit
+        // of a board wider than two.
+        const bool chipFound = isLookedUp(chip, format::chipText);
+        const bool boardFound = isLookedUp(board, format::boardText);
+        if (!chipFound) {
+            file.error(file.offsetOf(row, cpid::kChip),
+                       std::string(cpid::kChip) + " " + inQuotes(chip) +
                            " is never found: a chip is looked up as four or more upper-case "
                            "hexadecimal digits without extra leading zeros");
-            findable = false;
         }
-        if (!(board.size() == 2 && isHexDigits(board, true))) {
-            file.error(file.offsetOf(row, "BDID"),
-                       "BDID " + inQuotes(board) +
+        if (!boardFound) {
+            file.error(file.offsetOf(row, cpid::kBoard),
+                       std::string(cpid::kBoard) + " " + inQuotes(board) +
                            " is never found: a board is looked up as two upper-case "
                            "hexadecimal digits");
-            findable = false;
         }
-        checkBooleanAttribute(file, row, "SUPPORT");
-        const std::string rowName =
-            "the row of chip " + inQuotes(chip) + " board " + inQuotes(board);
-        warnAboutMissingText(file, row, "MODE", rowName, "the device's model name");
-        warnAboutMissingText(file, row, "PRODUCT", rowName, "the device's product type");
-        warnAboutMissingText(file, row, "NETWORK", rowName, "the device's network variant");
-        if (!findable) {
+        checkValue(file, row, cpid::kSupport, ValueKind::Boolean);
+        warnAboutMissingTexts(file, row,
+                              "the row of chip " + inQuotes(chip) + " board " + inQuotes(board),
+                              {{cpid::kModel, "the device's model name"},
+                               {cpid::kProduct, "the device's product type"},
+                               {cpid::kNetwork, "the device's network variant"}});
+        if (!chipFound || !boardFound) {
             continue;
         }
-        const auto inserted = firstRow.emplace(std::make_pair(chip, board), at);
-        if (!inserted.second) {
-            file.warning(at, "chip " + chip + " with board " + board +
-                                 " repeats an earlier row; this later row is never found");
+        if (!pairs.emplace(chip, board).second) {
+            file.warning(file.offsetOf(row), "chip " + chip + " with board " + board +
+                                                 " repeats an earlier row; this later row is "
+                                                 "never found");
         }
-        chips.emplace(chip, at);
-        if (board == "00") {
-            chipsWithDefault.insert(chip);
+        chips.emplace(chip, file.offsetOf(row));
+        if (board == fallback) {
+            chipsWithFallback.insert(chip);
         }
     }
     for (const auto& [chip, at] : chips) {
-        if (!chipsWithDefault.count(chip)) {
-            file.warning(at, "chip " + chip +
-                                 " has no board-00 default row: its other boards are not found");
+        if (chipsWithFallback.count(chip) == 0) {
+            file.warning(at, "chip " + chip + " has no board-" + fallback +
+                                 " default row: its other boards are not found");
         }
     }
 }
 
-void checkCrash(SourceFile& file, const pugi::xml_document& document) {
-    pugi::xml_node root;
-    if (!loadRoot(file, document, "CRASH", root)) {
-        return;
-    }
-    std::map<std::string, std::string> keys; // folded key -> key as first written
-    bool shadowedByEmpty = false;
-    for (pugi::xml_node row = root.first_child(); row; row = row.next_sibling()) {
-        if (row.type() != pugi::node_element) {
-            continue;
-        }
-        const std::size_t at = file.offsetOf(row);
-        const std::string key = row.attribute("KEY").value();
-        const std::string rowName = "the row of KEY " + inQuotes(key);
-        warnAboutMissingText(file, row, "REASON", rowName, "the reason of a failure it matches");
-        warnAboutMissingText(file, row, "SOLUTION", rowName,
-                             "the solution offered for a failure it matches");
-        if (shadowedByEmpty) {
-            file.warning(at, "this row is never found: an earlier row with an empty KEY "
-                             "matches every text first");
-            continue;
-        }
-        if (key.empty()) {
+void checkCrash(SourceFile& file, const pugi::xml_node& root) {
+    namespace crash = format::crash;
+    const std::string key = crash::kKey;
+    std::map<std::string, std::string> keys; // folded -> as first written
+    bool shadowed = false;
+    for (const pugi::xml_node& row : entries(file, root, kTextIsNotRead)) {
+        const std::string text = row.attribute(crash::kKey).value();
+        warnAboutMissingTexts(
+            file, row, "the row of " + key + " " + inQuotes(text),
+            {{crash::kReason, "the reason of a failure it matches"},
+             {crash::kSolution, "the solution offered for a failure it matches"}});
+        if (shadowed) {
+            file.warning(file.offsetOf(row), "this row is never found: an earlier row with an "
+                                             "empty " +
+                                                 key + " matches every text first");
+        } else if (text.empty()) {
+            // The table finds the first row whose key the failure's text contains.
             if (row.next_sibling()) {
-                file.error(file.offsetOf(row, "KEY"),
-                           "empty KEY matches every text, so every row after it is never found");
+                file.error(file.offsetOf(row, crash::kKey),
+                           "empty " + key +
+                               " matches every text, so every row after it is never "
+                               "found");
             }
-            shadowedByEmpty = true;
-            continue;
-        }
-        const auto inserted = keys.emplace(folded(key), key);
-        if (!inserted.second) {
-            file.warning(file.offsetOf(row, "KEY"),
-                         "KEY " + inQuotes(key) + " repeats " + inQuotes(inserted.first->second) +
+            shadowed = true;
+        } else if (const auto [first, added] =
+                       keys.emplace(NString(text).foldCase().toStdString(), text);
+                   !added) {
+            // Compared ignoring case as the framework's string folds it.
+            file.warning(file.offsetOf(row, crash::kKey),
+                         key + " " + inQuotes(text) + " repeats " + inQuotes(first->second) +
                              " (case ignored); this later row is never found");
         }
     }
 }
 
-void checkRestoreError(SourceFile& file, const pugi::xml_document& document) {
-    pugi::xml_node root;
-    if (!loadRoot(file, document, "APPLE", root)) {
-        return;
-    }
+void checkRestoreError(SourceFile& file, const pugi::xml_node& root) {
+    namespace restore = format::restore_error;
     std::set<long long> codes;
-    for (pugi::xml_node row = root.first_child(); row; row = row.next_sibling()) {
-        if (row.type() != pugi::node_element) {
-            continue;
-        }
-        const std::size_t at = file.offsetOf(row);
-        const pugi::xml_attribute code = row.attribute("CODE");
+    for (const pugi::xml_node& row : entries(file, root, kTextIsNotRead)) {
+        const pugi::xml_attribute code = row.attribute(restore::kCode);
+        const long long value = format::readInt64(code, 0);
         if (!code) {
-            file.error(at, "the row has no CODE; it is stored under code 0");
-        } else {
-            checkIntegerAttribute(file, row, "CODE", IntegerWidth::Int64,
-                                  "the row is stored under code " +
-                                      std::to_string(code.as_llong()));
+            file.error(file.offsetOf(row), std::string("the row has no ") + restore::kCode +
+                                               "; it is stored under code " +
+                                               std::to_string(value));
         }
-        const long long value = code.as_llong();
-        const std::string rowName = "the row of code " + std::to_string(value);
-        warnAboutMissingText(file, row, "DESCRIBE", rowName, "the description of the error");
-        warnAboutMissingText(file, row, "SOLUTION", rowName, "the solution offered for the error");
+        checkValue(file, row, restore::kCode, restore::kCodeKind,
+                   "the row is stored under code {}");
+        warnAboutMissingTexts(file, row, "the row of code " + std::to_string(value),
+                              {{restore::kDescription, "the description of the error"},
+                               {restore::kSolution, "the solution offered for the error"}});
         if (!codes.insert(value).second) {
-            file.warning(code ? file.offsetOf(row, "CODE") : at,
+            file.warning(file.offsetOf(row, restore::kCode),
                          "code " + std::to_string(value) +
                              " repeats an earlier row; this later row is ignored");
         }
     }
 }
 
-void checkMapping(SourceFile& file, const pugi::xml_document& document) {
-    pugi::xml_node root;
-    if (!loadRoot(file, document, "Nevor", root)) {
-        return;
-    }
+void checkMapping(SourceFile& file, const pugi::xml_node& root) {
+    namespace mapping = format::plugin_mapping;
     std::set<std::string> versions;
-    for (pugi::xml_node row = root.first_child(); row; row = row.next_sibling()) {
-        if (row.type() != pugi::node_element) {
-            continue;
-        }
-        const std::size_t at = file.offsetOf(row);
-        const std::string version = row.attribute("Version").value();
-        const std::string mapping = row.attribute("Mapping").value();
-        if (version.empty() || mapping.empty()) {
-            file.error(at, std::string("the row is skipped: its ") +
-                               (version.empty() ? "\"Version\"" : "\"Mapping\"") +
-                               " is missing or empty");
-            continue;
-        }
-        if (!versions.insert(version).second) {
-            file.warning(file.offsetOf(row, "Version"),
-                         "Version " + inQuotes(version) +
+    for (const pugi::xml_node& row : entries(file, root, kTextIsNotRead)) {
+        const std::string version = row.attribute(mapping::kVersion).value();
+        const std::string target = row.attribute(mapping::kMapping).value();
+        if (version.empty() || target.empty()) {
+            file.error(file.offsetOf(row),
+                       "the row is skipped: its " +
+                           inQuotes(version.empty() ? mapping::kVersion : mapping::kMapping) +
+                           " is missing or empty");
+        } else if (!versions.insert(version).second) {
+            file.warning(file.offsetOf(row, mapping::kVersion),
+                         std::string(mapping::kVersion) + " " + inQuotes(version) +
                              " repeats an earlier row; this later row is ignored");
         }
     }

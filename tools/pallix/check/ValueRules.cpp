@@ -2,217 +2,168 @@
 
 #include "SourceFile.h"
 
-#include <algorithm>
-#include <cctype>
-#include <climits>
+#include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
-#include <limits>
+#include <optional>
+#include <strings.h>
 
 namespace pallix::check {
 
 namespace {
 
+using format::ValueKind;
+
 std::string trimmed(const std::string& text) {
     const auto first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string::npos) {
-        return std::string();
+    return first == std::string::npos
+               ? std::string()
+               : text.substr(first, text.find_last_not_of(" \t\r\n") + 1 - first);
+}
+
+// A whole number as pugixml's integer conversions take it (blanks, a sign, decimal digits or
+// 0x and hexadecimal digits), before they saturate; nothing when the text holds anything else.
+struct WholeNumber {
+    bool negative;
+    unsigned long long magnitude;
+    bool overflow; // beyond 64 bits
+};
+std::optional<WholeNumber> wholeNumber(const std::string& raw) {
+    const std::string text = trimmed(raw);
+    const std::size_t sign = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
+    const bool hexadecimal = text.compare(sign, 2, "0x") == 0 || text.compare(sign, 2, "0X") == 0;
+    const std::string digits = text.substr(sign + (hexadecimal ? 2 : 0));
+    if (digits.empty() ||
+        digits.find_first_not_of(hexadecimal ? "0123456789abcdefABCDEF" : "0123456789") !=
+            std::string::npos) {
+        return std::nullopt;
     }
-    const auto last = text.find_last_not_of(" \t\r\n");
-    return text.substr(first, last - first + 1);
+    errno = 0;
+    const unsigned long long magnitude =
+        std::strtoull(digits.c_str(), nullptr, hexadecimal ? 16 : 10);
+    return WholeNumber{sign == 1 && text[0] == '-', magnitude, errno == ERANGE};
 }
 
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
-const char* widthName(IntegerWidth width) {
-    switch (width) {
-    case IntegerWidth::Int32:
-        return "a 32-bit signed integer";
-    case IntegerWidth::Int64:
-        return "a 64-bit signed integer";
-    case IntegerWidth::UInt64:
-        return "a 64-bit unsigned integer";
+// The number as the reader converts it.
+std::string readAs(const pugi::xml_attribute& attribute, ValueKind kind, long long fallback) {
+    switch (kind) {
+    case ValueKind::Int32:
+        return std::to_string(format::readInt32(attribute, static_cast<int>(fallback)));
+    case ValueKind::Int64:
+        return std::to_string(format::readInt64(attribute, fallback));
+    case ValueKind::UInt64:
+        return std::to_string(
+            format::readUInt64(attribute, static_cast<unsigned long long>(fallback)));
+    default:
+        return std::to_string(format::readPort(attribute));
     }
-    return "an integer";
 }
 
-// How a finding shows a value: the element, the attribute and its text as written.
-std::string written(const pugi::xml_node& node, const char* attribute, const std::string& text) {
-    return std::string(node.name()) + " " + attribute + "=" + inQuotes(text);
+void checkWholeNumber(SourceFile& file, const pugi::xml_attribute& attribute, ValueKind kind,
+                      const std::string& written, std::string consequence, long long fallback) {
+    const std::optional<WholeNumber> value = wholeNumber(attribute.value());
+    const std::string read = readAs(attribute, kind, fallback);
+    if (kind == ValueKind::Port) {
+        if (!value || value->negative || value->overflow || value->magnitude > format::kPortMax) {
+            file.error(file.offsetOf(attribute),
+                       std::string(attribute.name()) + " " + inQuotes(attribute.value()) +
+                           " is not a port number from 0 to " + std::to_string(format::kPortMax) +
+                           "; it is read as " + read);
+        }
+        return;
+    }
+    consequence.replace(consequence.find("{}"), 2, read);
+    // The magnitudes of the largest and of the most negative number of the width.
+    const unsigned long long most = kind == ValueKind::Int32   ? INT32_MAX
+                                    : kind == ValueKind::Int64 ? INT64_MAX
+                                                               : UINT64_MAX;
+    const unsigned long long least = kind == ValueKind::UInt64 ? 0 : most + 1;
+    if (!value) {
+        file.error(file.offsetOf(attribute), written + " is not a whole number; " + consequence);
+    } else if (value->overflow || value->magnitude > (value->negative ? least : most)) {
+        const char* width = kind == ValueKind::Int32   ? "a 32-bit signed integer"
+                            : kind == ValueKind::Int64 ? "a 64-bit signed integer"
+                                                       : "a 64-bit unsigned integer";
+        file.error(file.offsetOf(attribute),
+                   written + " does not fit " + width + "; " + consequence);
+    }
 }
 
 } // namespace
 
-std::optional<IntegerText> parseInteger(const std::string& raw) {
-    const std::string text = trimmed(raw);
-    IntegerText value;
-    std::size_t i = 0;
-    if (i < text.size() && (text[i] == '-' || text[i] == '+')) {
-        value.negative = text[i] == '-';
-        ++i;
-    }
-    unsigned base = 10;
-    if (i + 1 < text.size() && text[i] == '0' && (text[i + 1] == 'x' || text[i + 1] == 'X')) {
-        base = 16;
-        i += 2;
-    }
-    if (i >= text.size()) {
-        return std::nullopt;
-    }
-    for (; i < text.size(); ++i) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        unsigned digit = 0;
-        if (std::isdigit(c)) {
-            digit = c - '0';
-        } else if (base == 16 && std::isxdigit(c)) {
-            digit = static_cast<unsigned>(std::tolower(c) - 'a' + 10);
-        } else {
-            return std::nullopt;
-        }
-        if (value.magnitude > (ULLONG_MAX - digit) / base) {
-            value.overflow = true;
-        } else {
-            value.magnitude = value.magnitude * base + digit;
-        }
-    }
-    return value;
+std::string inQuotes(const std::string& text) {
+    return "\"" + text + "\"";
 }
 
-bool fitsInt32(const IntegerText& value) {
-    if (value.overflow) {
-        return false;
-    }
-    return value.negative ? value.magnitude <= 2147483648ULL : value.magnitude <= 2147483647ULL;
-}
-
-bool fitsInt64(const IntegerText& value) {
-    if (value.overflow) {
-        return false;
-    }
-    return value.negative ? value.magnitude <= 9223372036854775808ULL
-                          : value.magnitude <= 9223372036854775807ULL;
-}
-
-bool fitsUInt64(const IntegerText& value) {
-    return !value.overflow && (!value.negative || value.magnitude == 0);
-}
-
-bool isHexDigits(const std::string& text, bool upperOnly) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [upperOnly](unsigned char c) {
-        return std::isdigit(c) || (c >= 'A' && c <= 'F') || (!upperOnly && c >= 'a' && c <= 'f');
-    });
-}
-
-bool isDecimalNumber(const std::string& raw) {
-    const std::string text = trimmed(raw);
-    if (text.empty()) {
-        return false;
-    }
-    char* end = nullptr;
-    const double value = std::strtod(text.c_str(), &end);
-    return end == text.c_str() + text.size() && std::isfinite(value);
-}
-
-bool checkIntegerAttribute(SourceFile& file, const pugi::xml_node& node, const char* name,
-                           IntegerWidth width, const std::string& consequence) {
-    const pugi::xml_attribute attribute = node.attribute(name);
-    if (!attribute) {
-        return true;
-    }
-    const std::string text = attribute.value();
-    const std::optional<IntegerText> value = parseInteger(text);
-    const std::size_t at = file.offsetOf(node, name);
-    if (!value) {
-        file.error(at, written(node, name, text) + " is not a whole number; " + consequence);
-        return false;
-    }
-    const bool fits = width == IntegerWidth::Int32   ? fitsInt32(*value)
-                      : width == IntegerWidth::Int64 ? fitsInt64(*value)
-                                                     : fitsUInt64(*value);
-    if (!fits) {
-        file.error(at, written(node, name, text) + " does not fit " + widthName(width) + "; " +
-                           consequence);
-        return false;
-    }
-    return true;
-}
-
-void checkBooleanAttribute(SourceFile& file, const pugi::xml_node& node, const char* name) {
-    const pugi::xml_attribute attribute = node.attribute(name);
-    if (!attribute) {
-        return;
-    }
-    const std::string text = lower(trimmed(attribute.value()));
-    if (text == "true" || text == "false" || text == "yes" || text == "no" || text == "1" ||
-        text == "0") {
-        return;
-    }
-    const bool readAs = attribute.as_bool();
-    file.warning(file.offsetOf(node, name), written(node, name, attribute.value()) +
-                                                " is not a boolean word; it is read as " +
-                                                (readAs ? "true" : "false"));
-}
-
-void checkNumberAttribute(SourceFile& file, const pugi::xml_node& node, const char* name) {
-    const pugi::xml_attribute attribute = node.attribute(name);
-    if (attribute && !isDecimalNumber(attribute.value())) {
-        file.error(file.offsetOf(node, name), written(node, name, attribute.value()) +
-                                                  " is not a number; it is read as " +
-                                                  std::to_string(attribute.as_double()));
-    }
-}
-
-pugi::xml_node requireRoot(SourceFile& file, const pugi::xml_document& document, const char* name) {
-    const pugi::xml_node root = document.child(name);
+pugi::xml_node requireRoot(SourceFile& file, const char* name) {
+    const pugi::xml_node root = file.document().child(name);
     if (!root) {
-        const pugi::xml_node actual = document.document_element();
-        file.error(actual ? file.offsetOf(actual) : 0,
-                   actual ? "the root element is " + inQuotes(actual.name()) + ", not " +
-                                inQuotes(name) + "; nothing in the file is read"
-                          : "there is no root element " + inQuotes(name) +
-                                "; nothing in the file is read");
+        const pugi::xml_node actual = file.document().document_element();
+        file.error(file.offsetOf(actual), "the root element is " + inQuotes(actual.name()) +
+                                              ", not " + inQuotes(name) +
+                                              "; nothing in the file is read");
     }
     return root;
-}
-
-pugi::xml_node requireChild(SourceFile& file, const pugi::xml_node& parent, const char* name) {
-    const pugi::xml_node child = parent.child(name);
-    if (!child) {
-        file.error(file.offsetOf(parent),
-                   inQuotes(parent.name()) + " has no element " + inQuotes(name));
-    }
-    return child;
 }
 
 const char* const kTextIsAnEmptyEntry = "is read as an entry with every field empty";
 const char* const kTextIsNotRead = "is not read";
 
-void warnAboutTextEntries(SourceFile& file, const pugi::xml_node& list,
-                          const std::string& consequence) {
+std::vector<pugi::xml_node> entries(SourceFile& file, const pugi::xml_node& list,
+                                    const char* textConsequence) {
+    std::vector<pugi::xml_node> elements;
     for (pugi::xml_node entry = list.first_child(); entry; entry = entry.next_sibling()) {
-        if (entry.type() != pugi::node_element) {
+        if (entry.type() == pugi::node_element) {
+            elements.push_back(entry);
+        } else if (textConsequence != nullptr) {
             file.warning(file.offsetOf(entry),
-                         "text inside " + inQuotes(list.name()) + " " + consequence);
+                         "text inside " + inQuotes(list.name()) + " " + textConsequence);
         }
+    }
+    return elements;
+}
+
+void checkValue(SourceFile& file, const pugi::xml_node& node, const char* name, ValueKind kind,
+                const std::string& consequence, long long fallback) {
+    const pugi::xml_attribute attribute = node.attribute(name);
+    const std::string text = attribute.value();
+    const std::string written = std::string(node.name()) + " " + name + "=" + inQuotes(text);
+    if (!attribute || kind == ValueKind::Text) {
+        return;
+    }
+    if (kind == ValueKind::Boolean) {
+        // A boolean written otherwise is read by its first letter only.
+        const std::string word = trimmed(text);
+        for (const char* known : {"true", "false", "yes", "no", "1", "0"}) {
+            if (strcasecmp(word.c_str(), known) == 0) {
+                return;
+            }
+        }
+        file.warning(file.offsetOf(attribute), written + " is not a boolean word; it is read as " +
+                                                   (attribute.as_bool() ? "true" : "false"));
+    } else if (kind == ValueKind::Number) {
+        char* end = nullptr;
+        const std::string number = trimmed(text);
+        const double value = std::strtod(number.c_str(), &end);
+        if (number.empty() || *end != '\0' || !std::isfinite(value)) {
+            file.error(file.offsetOf(attribute), written + " is not a number; it is read as " +
+                                                     std::to_string(attribute.as_double()));
+        }
+    } else {
+        checkWholeNumber(file, attribute, kind, written, consequence, fallback);
     }
 }
 
 void warnAboutRepeatedElements(SourceFile& file, const pugi::xml_node& parent,
-                               std::initializer_list<const char*> names, const char* attribute) {
+                               const std::vector<const char*>& names, const char* valueAttribute) {
     for (const char* name : names) {
         const pugi::xml_node first = parent.child(name);
-        if (!first) {
-            continue;
-        }
-        const std::string read = attribute != nullptr
-                                     ? "the first one, whose " + std::string(attribute) + " is " +
-                                           inQuotes(first.attribute(attribute).value()) +
-                                           ", so this one is ignored"
-                                     : "the first one, so nothing in this one is read";
+        const std::string read =
+            valueAttribute != nullptr
+                ? "the first one, whose " + std::string(valueAttribute) + " is " +
+                      inQuotes(first.attribute(valueAttribute).value()) + ", so this one is ignored"
+                : "the first one, so nothing in this one is read";
         for (pugi::xml_node again = first.next_sibling(name); again;
              again = again.next_sibling(name)) {
             file.warning(file.offsetOf(again), inQuotes(name) + " appears again in " +
@@ -222,8 +173,8 @@ void warnAboutRepeatedElements(SourceFile& file, const pugi::xml_node& parent,
     }
 }
 
-std::string inQuotes(const std::string& text) {
-    return "\"" + text + "\"";
+bool isHexDigits(const std::string& text) {
+    return !text.empty() && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
 }
 
 } // namespace pallix::check
