@@ -1,91 +1,136 @@
 #include "PRuntimeCpid.h"
 
-#include "Conversions.h"
-#include "NFileSystem.h"
+#include "CpidIndexes.h"
 #include "Operation.h"
 #include "TableFormats.h"
-#include "XmlFile.h"
+#include "TableRows.h"
 
 #include <new>
 #include <utility>
 
 namespace format = pallix::format::cpid;
+using pallix::tables::CpidIndex;
+using pallix::tables::CpidIndexes;
 
 namespace {
 
+// The attributes of a row, in the order of the row's constructor and of the files.
+constexpr const char* kAttributes[] = {format::kChip,    format::kBoard,   format::kModel,
+                                       format::kNetwork, format::kProduct, format::kSupport};
+enum Attribute : std::size_t { kChip, kBoard, kModel, kNetwork, kProduct, kSupport };
+
 // Three hardware variants are listed under their own names in the table but shown as their
-// base model. Only these exact texts are folded; anything else is kept as written.
-NString normalisedMode(const char* mode) {
+// base model. Only these exact texts are folded; anything else is kept as written. Decided on
+// the parser's text, so that the row's text is made once.
+const char* normalisedMode(const char* mode) {
     static const char* const replacements[][2] = {
         {"iPhone XS Max(China)", "iPhone XS Max"},
         {"iPad 2(32NM)", "iPad 2"},
         {"iPhone 4(Rev A)", "iPhone 4"},
     };
-    const NString text(mode);
     for (const auto& replacement : replacements) {
-        if (text == replacement[0]) {
-            return NString(replacement[1]);
+        if (pallix::tables::sameText(mode, replacement[0])) {
+            return replacement[1];
         }
     }
-    return text;
+    return mode;
 }
 
-// The earliest row of the pair, or else the earliest board "00" row of the chip.
-const PRuntimeInfoCpid* locate(const std::vector<PRuntimeInfoCpid>& rows,
-                               const NDeviceInfoRecovery& device) {
-    const NString chip(pallix::format::chipText(device.cpid()));
-    const NString board(pallix::format::boardText(device.bdid()));
-    for (const PRuntimeInfoCpid& row : rows) {
-        if (row.isMatch(chip, board)) {
-            return &row;
-        }
-    }
-    const NString fallback(pallix::format::boardText(pallix::format::kFallbackBoard));
-    for (const PRuntimeInfoCpid& row : rows) {
-        if (row.isMatch(chip, fallback)) {
-            return &row;
-        }
-    }
-    return nullptr;
+// Hands the row's constructor arguments to `make`: the parser's texts ("" for a missing
+// attribute), each made into a string once, to be moved from there.
+template <typename Make> void withRow(const pugi::xml_node& item, Make&& make) {
+    const char* texts[kSupport] = {"", "", "", "", ""};
+    bool support = false;
+    pallix::tables::readAttributes(item, kAttributes,
+                                   [&](std::size_t name, const pugi::xml_attribute& value) {
+                                       if (name == kSupport) {
+                                           support = value.as_bool();
+                                       } else {
+                                           texts[name] = value.as_string();
+                                       }
+                                   });
+    make(NString(texts[kChip]), NString(texts[kBoard]), NString(normalisedMode(texts[kModel])),
+         NString(texts[kNetwork]), NString(texts[kProduct]), support);
 }
 
 } // namespace
 
 PRuntimeCpid::PRuntimeCpid() noexcept = default;
 
-PRuntimeCpid::~PRuntimeCpid() = default;
+PRuntimeCpid::~PRuntimeCpid() {
+    CpidIndexes::forget(this);
+}
 
 bool PRuntimeCpid::format(const NString& path) {
     return pallix::operation([&] {
-        m_rows.clear();
-        if (!NFileSystem::path::exist(NFileSystem::path(path))) {
-            return false;
-        }
+        CpidIndex& index = CpidIndexes::of(this);
         pugi::xml_document document;
-        if (!pallix::XmlFile::load(document, path)) {
+        if (!pallix::tables::hasNoOverrides(*this)) {
+            m_rows.clear();
+            index.reset(0);
+            if (!pallix::tables::loadTableFile(document, path)) {
+                return false;
+            }
+            // Only elements are rows; text between them is not.
+            const pugi::xml_node root = document.child(format::kRoot);
+            for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
+                if (item.type() == pugi::node_element) {
+                    withRow(item, [this](auto&&... values) {
+                        append(PRuntimeInfoCpid(std::forward<decltype(values)>(values)...));
+                    });
+                }
+            }
+            return true;
+        }
+        // What the appends would do, without copying each row: the rows are built in their
+        // place, and filed once they are all there, in a pass that has the cache to itself.
+        const bool loaded = pallix::tables::loadTableFile(document, path);
+        m_rows.clear();
+        if (!loaded) {
+            index.reset(0);
             return false;
         }
         const pugi::xml_node root = document.child(format::kRoot);
+        m_rows.reserve(pallix::tables::rowCount(root));
         for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
-            // Only elements are rows; text between them is not.
-            if (item.type() != pugi::node_element) {
-                continue;
+            if (item.type() == pugi::node_element) {
+                withRow(item, [this](auto&&... values) {
+                    m_rows.emplace_back(std::forward<decltype(values)>(values)...);
+                });
             }
-            const PRuntimeInfoCpid row(item.attribute(format::kChip).as_string(),
-                                       item.attribute(format::kBoard).as_string(),
-                                       normalisedMode(item.attribute(format::kModel).as_string()),
-                                       item.attribute(format::kNetwork).as_string(),
-                                       item.attribute(format::kProduct).as_string(),
-                                       item.attribute(format::kSupport).as_bool());
-            append(row);
+        }
+        index.reset(m_rows.size());
+        for (const PRuntimeInfoCpid& row : m_rows) {
+            index.add(row.cpid(), row.bdid());
         }
         return true;
     });
 }
 
 void PRuntimeCpid::append(const PRuntimeInfoCpid& row) {
-    pallix::operation([&] { m_rows.push_back(row); });
+    pallix::operation([&] {
+        m_rows.push_back(row);
+        // The stored copy is filed, not the caller's row, whose accessors a subclass of the row
+        // may have overridden: lookups compare the stored texts.
+        const PRuntimeInfoCpid& stored = m_rows.back();
+        CpidIndexes::of(this).add(stored.cpid(), stored.bdid());
+    });
 }
+
+namespace {
+
+// The earliest row of the pair, or else the earliest board "00" row of the chip.
+const PRuntimeInfoCpid* locate(const PRuntimeCpid* table, const std::vector<PRuntimeInfoCpid>& rows,
+                               const NDeviceInfoRecovery& device) {
+    const CpidIndex* index = CpidIndexes::find(table);
+    if (index == nullptr) {
+        return nullptr;
+    }
+    const std::size_t position = index->find(device.cpid(), device.bdid());
+    return position != CpidIndex::npos ? &rows[position] : nullptr;
+}
+
+} // namespace
 
 bool PRuntimeCpid::find(const NDeviceInfoRecovery& device,
                         const std::function<void(const PRuntimeInfoCpid&)>& callback) const {
@@ -93,8 +138,7 @@ bool PRuntimeCpid::find(const NDeviceInfoRecovery& device,
         if (!callback) {
             return false;
         }
-        const PRuntimeInfoCpid* row = nullptr;
-        row = locate(m_rows, device);
+        const PRuntimeInfoCpid* row = locate(this, m_rows, device);
         if (row == nullptr) {
             return false;
         }
@@ -105,7 +149,7 @@ bool PRuntimeCpid::find(const NDeviceInfoRecovery& device,
 
 bool PRuntimeCpid::find(const NDeviceInfoRecovery& device, PRuntimeInfoCpid& out) const {
     return pallix::operation([&] {
-        const PRuntimeInfoCpid* row = locate(m_rows, device);
+        const PRuntimeInfoCpid* row = locate(this, m_rows, device);
         if (row == nullptr) {
             return false;
         }

@@ -1,5 +1,7 @@
 #include "PRuntimeInfoCpid.h"
 
+#include <utility>
+
 PRuntimeInfoCpid::PRuntimeInfoCpid() noexcept = default;
 
 PRuntimeInfoCpid::PRuntimeInfoCpid(const NString& cpid, const NString& bdid, const NString& mode,
@@ -7,6 +9,11 @@ PRuntimeInfoCpid::PRuntimeInfoCpid(const NString& cpid, const NString& bdid, con
                                    bool support) noexcept
     : m_cpid(cpid), m_bdid(bdid), m_mode(mode), m_network(network), m_product(product),
       m_support(support) {}
+
+PRuntimeInfoCpid::PRuntimeInfoCpid(NString&& cpid, NString&& bdid, NString&& mode,
+                                   NString&& network, NString&& product, bool support) noexcept
+    : m_cpid(std::move(cpid)), m_bdid(std::move(bdid)), m_mode(std::move(mode)),
+      m_network(std::move(network)), m_product(std::move(product)), m_support(support) {}
 
 PRuntimeInfoCpid::PRuntimeInfoCpid(const PRuntimeInfoCpid&) = default;
 

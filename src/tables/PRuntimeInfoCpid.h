@@ -14,6 +14,9 @@ public:
     // Should copying the texts run out of memory, the process ends (the constructor is noexcept).
     PRuntimeInfoCpid(const NString& cpid, const NString& bdid, const NString& mode,
                      const NString& network, const NString& product, bool support) noexcept;
+    // The same row, taking the texts over instead of copying them.
+    PRuntimeInfoCpid(NString&& cpid, NString&& bdid, NString&& mode, NString&& network,
+                     NString&& product, bool support) noexcept;
     PRuntimeInfoCpid(const PRuntimeInfoCpid&);
     PRuntimeInfoCpid(PRuntimeInfoCpid&&) noexcept;
     PRuntimeInfoCpid& operator=(const PRuntimeInfoCpid&);

@@ -2,11 +2,16 @@
 
 #include "Operation.h"
 
+#include <utility>
+
 PRuntimeInfoCrash::PRuntimeInfoCrash() noexcept = default;
 
 PRuntimeInfoCrash::PRuntimeInfoCrash(const NString& key, const NString& reason,
                                      const NString& solution) noexcept
     : m_key(key), m_reason(reason), m_solution(solution) {}
+
+PRuntimeInfoCrash::PRuntimeInfoCrash(NString&& key, NString&& reason, NString&& solution) noexcept
+    : m_key(std::move(key)), m_reason(std::move(reason)), m_solution(std::move(solution)) {}
 
 PRuntimeInfoCrash::PRuntimeInfoCrash(const PRuntimeInfoCrash&) = default;
 

@@ -12,6 +12,8 @@ public:
     PRuntimeInfoCrash() noexcept;
     // Should copying the texts run out of memory, the process ends (the constructor is noexcept).
     PRuntimeInfoCrash(const NString& key, const NString& reason, const NString& solution) noexcept;
+    // The same row, taking the texts over instead of copying them.
+    PRuntimeInfoCrash(NString&& key, NString&& reason, NString&& solution) noexcept;
     PRuntimeInfoCrash(const PRuntimeInfoCrash&);
     PRuntimeInfoCrash(PRuntimeInfoCrash&&) noexcept;
     PRuntimeInfoCrash& operator=(const PRuntimeInfoCrash&);

@@ -1,10 +1,16 @@
 #include "PRuntimeInfoRestoreError.h"
 
+#include <utility>
+
 PRuntimeInfoRestoreError::PRuntimeInfoRestoreError() noexcept = default;
 
 PRuntimeInfoRestoreError::PRuntimeInfoRestoreError(long long code, const NString& describe,
                                                    const NString& solution) noexcept
     : m_code(code), m_describe(describe), m_solution(solution) {}
+
+PRuntimeInfoRestoreError::PRuntimeInfoRestoreError(long long code, NString&& describe,
+                                                   NString&& solution) noexcept
+    : m_code(code), m_describe(std::move(describe)), m_solution(std::move(solution)) {}
 
 PRuntimeInfoRestoreError::PRuntimeInfoRestoreError(const PRuntimeInfoRestoreError&) = default;
 

@@ -13,6 +13,8 @@ public:
     // Should copying the texts run out of memory, the process ends (the constructor is noexcept).
     PRuntimeInfoRestoreError(long long code, const NString& describe,
                              const NString& solution) noexcept;
+    // The same row, taking the texts over instead of copying them.
+    PRuntimeInfoRestoreError(long long code, NString&& describe, NString&& solution) noexcept;
     PRuntimeInfoRestoreError(const PRuntimeInfoRestoreError&);
     PRuntimeInfoRestoreError(PRuntimeInfoRestoreError&&) noexcept;
     PRuntimeInfoRestoreError& operator=(const PRuntimeInfoRestoreError&);
