@@ -127,6 +127,23 @@ Point exactInverse(double longitude, double latitude) noexcept {
     return nearest;
 }
 
+// What the ways with a region rule share: a null pointer makes the call a no-op, and a point
+// that isChina() (asked through the virtual table, so a host's override counts) calls outside
+// passes unchanged. Otherwise `shift` gives the converted point.
+template <typename Shift>
+void shiftInsideRegion(const PRuntimeLocation& location, double* longitude, double* latitude,
+                       Shift shift) {
+    pallix::operation([&] {
+        if (longitude == nullptr || latitude == nullptr ||
+            location.isChina(*longitude, *latitude)) {
+            return;
+        }
+        const Point shifted = shift(*longitude, *latitude);
+        *longitude = shifted.longitude;
+        *latitude = shifted.latitude;
+    });
+}
+
 } // namespace
 
 double transformlat(double x, double y) noexcept {
@@ -155,24 +172,13 @@ bool PRuntimeLocation::isChina(double longitude, double latitude) const {
 }
 
 void PRuntimeLocation::BD09_TO_GCJ02(double* longitude, double* latitude) const {
-    pallix::operation([&] {
-        if (longitude == nullptr || latitude == nullptr) {
-            return;
-        }
-        const double lng = *longitude;
-        const double lat = *latitude;
-        // Tested on the BD-09 input, unlike the opposite way, which always shifts.
-        if (isChina(lng, lat)) {
-            *longitude = lng;
-            *latitude = lat;
-            return;
-        }
+    // Tested on the BD-09 input, unlike the opposite way, which always shifts.
+    shiftInsideRegion(*this, longitude, latitude, [](double lng, double lat) {
         const double x = lng - 0.0065;
         const double y = lat - 0.006;
         const double z = std::sqrt(x * x + y * y) - 0.00002 * std::sin(y * x_PI);
         const SineCosine theta = sineCosine(std::atan2(y, x) - 0.000003 * std::cos(x * x_PI));
-        *longitude = z * theta.cosine;
-        *latitude = z * theta.sine;
+        return Point{z * theta.cosine, z * theta.sine};
     });
 }
 
@@ -191,57 +197,21 @@ void PRuntimeLocation::GCJ02_TO_BD09(double* longitude, double* latitude) const 
 }
 
 void PRuntimeLocation::GCJ02_TO_WGS84(double* longitude, double* latitude) const {
-    pallix::operation([&] {
-        if (longitude == nullptr || latitude == nullptr) {
-            return;
-        }
-        const double lng = *longitude;
-        const double lat = *latitude;
-        if (isChina(lng, lat)) {
-            *longitude = lng;
-            *latitude = lat;
-            return;
-        }
+    shiftInsideRegion(*this, longitude, latitude, [](double lng, double lat) {
         // One step only: the offset is taken at the GCJ-02 point instead of being iterated, and
         // the subtraction keeps the form 2a - (a + d), which rounds differently from a - d.
         const Offset offset = gcjOffset(lng, lat);
-        *longitude = 2.0 * lng - (lng + offset.longitude);
-        *latitude = 2.0 * lat - (lat + offset.latitude);
+        return Point{2.0 * lng - (lng + offset.longitude), 2.0 * lat - (lat + offset.latitude)};
     });
 }
 
 void PRuntimeLocation::GCJ02_TO_WGS84_EXACT(double* longitude, double* latitude) const {
-    pallix::operation([&] {
-        if (longitude == nullptr || latitude == nullptr) {
-            return;
-        }
-        const double lng = *longitude;
-        const double lat = *latitude;
-        if (isChina(lng, lat)) {
-            *longitude = lng;
-            *latitude = lat;
-            return;
-        }
-        const Point wgs = exactInverse(lng, lat);
-        *longitude = wgs.longitude;
-        *latitude = wgs.latitude;
-    });
+    shiftInsideRegion(*this, longitude, latitude, exactInverse);
 }
 
 void PRuntimeLocation::WGS84_TO_GCJ02(double* longitude, double* latitude) const {
-    pallix::operation([&] {
-        if (longitude == nullptr || latitude == nullptr) {
-            return;
-        }
-        const double lng = *longitude;
-        const double lat = *latitude;
-        if (isChina(lng, lat)) {
-            *longitude = lng;
-            *latitude = lat;
-            return;
-        }
+    shiftInsideRegion(*this, longitude, latitude, [](double lng, double lat) {
         const Offset offset = gcjOffset(lng, lat);
-        *longitude = lng + offset.longitude;
-        *latitude = lat + offset.latitude;
+        return Point{lng + offset.longitude, lat + offset.latitude};
     });
 }
