@@ -453,7 +453,8 @@ TEST(CheckCommand, HelpStatesTheExitStatusesAndEndsWithAnExample) {
         last.pop_back();
     }
     last = last.substr(last.rfind('\n') + 1);
-    EXPECT_EQ(last.rfind("Example: pallix check ", 0), 0u) << last;
+    EXPECT_EQ(last.rfind("  pallix check ", 0), 0u) << last;
+    EXPECT_NE(result.output.find("\nExample:\n  pallix check "), std::string::npos) << result.output;
 }
 
 // --config-dir: every file of a configuration directory that the library reads, as its kind.

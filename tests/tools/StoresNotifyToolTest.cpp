@@ -206,7 +206,8 @@ TEST_F(StoreToolTest, NotifyListOfAFileOfAnotherKindFailsWith2) {
     TemporaryDirectory::write(notifyFile(), "<Rilo><BIND/></Rilo>");
     const ToolResult result = notify({"list"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_TRUE(contains(result.errors, notifyFile() + ": is a portbind file, not a notify file"))
+    EXPECT_TRUE(contains(result.errors,
+                         notifyFile() + ": is a port binding store, not a notification store"))
         << result.errors;
 }
 
@@ -372,7 +373,8 @@ TEST_F(StoreToolTest, PortbindLeavesMalformedAndForeignFiles) {
     TemporaryDirectory::write(bindFile(), "<Nevor><Notify/></Nevor>");
     const ToolResult foreign = portbind({"list"});
     EXPECT_EQ(foreign.status, 2);
-    EXPECT_TRUE(contains(foreign.errors, bindFile() + ": is a notify file, not a portbind file"))
+    EXPECT_TRUE(contains(foreign.errors,
+                         bindFile() + ": is a notification store, not a port binding store"))
         << foreign.errors;
     EXPECT_EQ(portbind({"remove", "a"}).status, 2);
     EXPECT_EQ(TemporaryDirectory::read(bindFile()), "<Nevor><Notify/></Nevor>");

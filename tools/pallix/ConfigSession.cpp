@@ -50,9 +50,10 @@ CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char*
     if (json) {
         addJsonFlag(command, options.json);
     }
-    finishHelp(command, example,
+    finishHelp(command,
                statuses + "; 2 a usage error, a directory that cannot be used, or a "
-                          "configuration file that cannot be read as it is (see --force).");
+                          "configuration file that cannot be read as it is (see --force).",
+               example);
     return command;
 }
 

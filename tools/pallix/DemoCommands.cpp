@@ -462,9 +462,10 @@ void registerDemoCommands(CLI::App& app) {
         ->add_option("--samples-dir", options->samplesDir,
                      "Directory of the sample files (default: the installed samples)")
         ->type_name("DIR");
-    finishHelp(*command, "pallix demo --config-dir /tmp/pallix-demo",
+    finishHelp(*command,
                "0 every step worked; 1 a check failed (marked [!!]); 2 a usage error, or a "
-               "directory that is missing (but --config-dir), not a directory, or cannot be read.");
+               "directory that is missing (but --config-dir), not a directory, or cannot be read.",
+               "pallix demo --config-dir /tmp/pallix-demo");
     command->callback([options] { runDemo(*options); });
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "check/FileKind.h"
+#include "FileKind.h"
 
 #include <CLI/CLI.hpp>
 

@@ -221,16 +221,15 @@ void registerFactory(CLI::App& app) {
     remove->callback([options] { factoryRemove(*options); });
 
     shareConfigDirectory(*factory, options->configDirectory);
-    describeExits(*factory, "0 done; 1 not found or not written; 2 usage error or unreadable file",
-                  "pallix factory --config-dir ~/.config/TolVane list --json");
-    describeExits(*list, "0 listed; 2 the file cannot be read", "pallix factory list");
-    describeExits(*add,
-                  "0 added, replaced or already there; 1 not written; 2 usage error or "
-                  "unreadable file",
-                  "pallix factory add 8101 SerialNumber=DNPXK2ABHG7F Nonce=base64:AH//");
-    describeExits(*remove,
-                  "0 removed; 1 not found or not written; 2 usage error or unreadable file",
-                  "pallix factory remove 8101");
+    finishHelp(*factory, "0 done; 1 not found or not written; 2 usage error or unreadable file",
+               "pallix factory --config-dir ~/.config/TolVane list --json");
+    finishHelp(*list, "0 listed; 2 the file cannot be read", "pallix factory list");
+    finishHelp(*add,
+               "0 added, replaced or already there; 1 not written; 2 usage error or "
+               "unreadable file",
+               "pallix factory add 8101 SerialNumber=DNPXK2ABHG7F Nonce=base64:AH//");
+    finishHelp(*remove, "0 removed; 1 not found or not written; 2 usage error or unreadable file",
+               "pallix factory remove 8101");
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -351,19 +350,19 @@ void registerIpsw(CLI::App& app) {
 
     shareConfigDirectory(*ipsw, options->configDirectory);
     const std::string url = "https://updates.example.com/ipsw/iPhone15,2_17.1_Restore.ipsw";
-    describeExits(*ipsw, "0 done; 1 not found or not written; 2 usage error or unreadable file",
-                  "pallix ipsw --config-dir ~/.config/TolVane list --json");
-    describeExits(*list, "0 listed; 2 the file cannot be read", "pallix ipsw list");
-    describeExits(*find, "0 found; 1 not matched; 2 usage error or unreadable file",
-                  "pallix ipsw find " + url + " --json");
-    describeExits(*add,
-                  "0 matched, rematched or already matched; 1 not written; 2 usage error, "
-                  "missing local file or unreadable file",
-                  "pallix ipsw add " + url + " ~/Downloads/iPhone15,2_17.1_Restore.ipsw");
-    describeExits(*remove,
-                  "0 forgotten; 1 not matched or not written; 2 usage error or "
-                  "unreadable file",
-                  "pallix ipsw remove " + url);
+    finishHelp(*ipsw, "0 done; 1 not found or not written; 2 usage error or unreadable file",
+               "pallix ipsw --config-dir ~/.config/TolVane list --json");
+    finishHelp(*list, "0 listed; 2 the file cannot be read", "pallix ipsw list");
+    finishHelp(*find, "0 found; 1 not matched; 2 usage error or unreadable file",
+               "pallix ipsw find " + url + " --json");
+    finishHelp(*add,
+               "0 matched, rematched or already matched; 1 not written; 2 usage error, "
+               "missing local file or unreadable file",
+               "pallix ipsw add " + url + " ~/Downloads/iPhone15,2_17.1_Restore.ipsw");
+    finishHelp(*remove,
+               "0 forgotten; 1 not matched or not written; 2 usage error or "
+               "unreadable file",
+               "pallix ipsw remove " + url);
 }
 
 } // namespace

@@ -12,8 +12,9 @@ namespace pallix::tool {
 // "pallix runtime": shows that the library loads and hands out its root and value store.
 void registerRuntimeCommands(CLI::App& app) {
     CLI::App* runtime = app.add_subcommand("runtime", "Load the library and show its root object");
-    finishHelp(*runtime, "pallix runtime",
-               "0 the root and the value store are ready; 1 the library could not create them.");
+    finishHelp(*runtime,
+               "0 the root and the value store are ready; 1 the library could not create them.",
+               "pallix runtime");
     runtime->callback([] {
         PRuntime* root = PRuntime::getInstance();
         const bool ready = root != nullptr && root->value() != nullptr;

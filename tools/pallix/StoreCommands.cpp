@@ -216,18 +216,18 @@ void registerNotify(CLI::App& app) {
     remove->callback([options] { notifyRemove(*options); });
 
     shareConfigDirectory(*notify, options->configDirectory);
-    describeExits(*notify, "0 done; 1 not found or not written; 2 usage error or unreadable file",
-                  "pallix notify --config-dir ~/.config/TolVane list --json");
-    describeExits(*list, "0 listed; 2 the file cannot be read", "pallix notify list --json");
-    describeExits(*add,
-                  "0 added, replaced or already there; 1 not written; 2 usage error or "
-                  "unreadable file",
-                  "pallix notify add 1001 --title 'Firmware 17.4 is out' --url "
-                  "https://example.invalid/n --user 73 --time 1709251200 --popup");
-    describeExits(*remove,
-                  "0 marked removed (or already); 1 not found or not written; 2 usage "
-                  "error or unreadable file",
-                  "pallix notify remove 1001");
+    finishHelp(*notify, "0 done; 1 not found or not written; 2 usage error or unreadable file",
+               "pallix notify --config-dir ~/.config/TolVane list --json");
+    finishHelp(*list, "0 listed; 2 the file cannot be read", "pallix notify list --json");
+    finishHelp(*add,
+               "0 added, replaced or already there; 1 not written; 2 usage error or "
+               "unreadable file",
+               "pallix notify add 1001 --title 'Firmware 17.4 is out' --url "
+               "https://example.invalid/n --user 73 --time 1709251200 --popup");
+    finishHelp(*remove,
+               "0 marked removed (or already); 1 not found or not written; 2 usage "
+               "error or unreadable file",
+               "pallix notify remove 1001");
 }
 
 // Port bindings.
@@ -339,18 +339,17 @@ void registerPortbind(CLI::App& app) {
     remove->callback([options] { portbindRemove(*options); });
 
     shareConfigDirectory(*portbind, options->configDirectory);
-    describeExits(*portbind, "0 done; 1 not found or not written; 2 usage error or unreadable file",
-                  "pallix portbind --config-dir ~/.config/TolVane list --json");
-    describeExits(*list, "0 listed; 2 the file cannot be read", "pallix portbind list");
-    describeExits(*find, "0 found; 1 not bound; 2 usage error or unreadable file",
-                  "pallix portbind find usb-1 --json");
-    describeExits(*add,
-                  "0 bound, rebound or already bound; 1 not written; 2 usage error or "
-                  "unreadable file",
-                  "pallix portbind add usb-1 tcp:62078");
-    describeExits(*remove,
-                  "0 unbound; 1 not bound or not written; 2 usage error or unreadable file",
-                  "pallix portbind remove usb-1");
+    finishHelp(*portbind, "0 done; 1 not found or not written; 2 usage error or unreadable file",
+               "pallix portbind --config-dir ~/.config/TolVane list --json");
+    finishHelp(*list, "0 listed; 2 the file cannot be read", "pallix portbind list");
+    finishHelp(*find, "0 found; 1 not bound; 2 usage error or unreadable file",
+               "pallix portbind find usb-1 --json");
+    finishHelp(*add,
+               "0 bound, rebound or already bound; 1 not written; 2 usage error or "
+               "unreadable file",
+               "pallix portbind add usb-1 tcp:62078");
+    finishHelp(*remove, "0 unbound; 1 not bound or not written; 2 usage error or unreadable file",
+               "pallix portbind remove usb-1");
 }
 
 } // namespace

@@ -26,10 +26,6 @@ void shareConfigDirectory(CLI::App& group, std::string& directory) {
     }
 }
 
-void describeExits(CLI::App& command, const std::string& statuses, const std::string& example) {
-    endHelp(command, "Exit status: " + statuses, example);
-}
-
 std::string readableStoreFile(const std::string& directoryOption, const std::string& name,
                               check::FileKind kind) {
     const std::string file = useConfigDirectory(directoryOption) + name;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Directories.h"
-#include "check/FileKind.h"
+#include "FileKind.h"
 
 #include <CLI/CLI.hpp>
 
@@ -14,9 +14,6 @@ namespace pallix::tool {
 // Adds --config-dir to the group and to each of its actions, all bound to `directory`, so that
 // it goes before or after the action alike.
 void shareConfigDirectory(CLI::App& group, std::string& directory);
-
-// Ends the help of a command with its exit statuses and an example.
-void describeExits(CLI::App& command, const std::string& statuses, const std::string& example);
 
 // The store file `name` (with its leading "/") of the configuration directory given by the option
 // (or the application's own), after making sure that listing it lists what it holds: a file

@@ -1,12 +1,7 @@
 #include "ToolOutput.h"
 
-#include <pugixml.hpp>
-
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
-#include <iterator>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace pallix::tool {
@@ -74,6 +69,30 @@ void printFields(const std::vector<std::string>& fields) {
     std::cout << line;
 }
 
+nlohmann::ordered_json reportFindings(const check::SourceFile& file, bool json, std::size_t& errors,
+                                      std::size_t& warnings) {
+    nlohmann::ordered_json findings = nlohmann::ordered_json::array();
+    for (const check::Finding& finding : file.findings()) {
+        const bool error = finding.severity == check::Severity::Error;
+        const char* severity = error ? "error" : "warning";
+        ++(error ? errors : warnings);
+        findings.push_back({{"file", file.path()},
+                            {"line", finding.line},
+                            {"column", finding.column},
+                            {"severity", severity},
+                            {"message", finding.message}});
+        if (!json) {
+            std::cout << file.path() << ':' << finding.line << ':' << finding.column << ": "
+                      << severity << ": " << finding.message << '\n';
+        }
+    }
+    return findings;
+}
+
+std::string plural(std::size_t count, const char* word) {
+    return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
+}
+
 std::string paint(Colour colour, const std::string& text, int fileDescriptor) {
     const char* term = std::getenv("TERM");
     if (std::getenv("NO_COLOR") != nullptr || ::isatty(fileDescriptor) != 1 ||
@@ -114,44 +133,8 @@ void endHelp(CLI::App& command, const std::string& notes, const std::string& exa
     command.footer(notes + "\n" + command.get_footer());
 }
 
-void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses) {
+void finishHelp(CLI::App& command, const std::string& statuses, const std::string& example) {
     endHelp(command, "Exit status: " + statuses, example);
-}
-
-std::string describeXmlProblem(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
-        return path + ": no such file";
-    }
-    if (S_ISDIR(info.st_mode)) {
-        return path + ": is a directory";
-    }
-    std::ifstream input(path, std::ios::binary);
-    if (!input) {
-        return path + ": cannot be read";
-    }
-    const std::string text((std::istreambuf_iterator<char>(input)),
-                           std::istreambuf_iterator<char>());
-    pugi::xml_document document;
-    const pugi::xml_parse_result result =
-        document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
-    if (result) {
-        return std::string();
-    }
-    // pugixml reports a byte offset; turn it into a line and a column (both from 1).
-    std::size_t line = 1;
-    std::size_t column = 1;
-    const auto offset = static_cast<std::size_t>(result.offset);
-    for (std::size_t i = 0; i < offset && i < text.size(); ++i) {
-        if (text[i] == '\n') {
-            ++line;
-            column = 1;
-        } else {
-            ++column;
-        }
-    }
-    return path + ":" + std::to_string(line) + ":" + std::to_string(column) +
-           ": not well-formed XML: " + result.description();
 }
 
 } // namespace pallix::tool

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SourceFile.h"
+
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
@@ -31,6 +33,13 @@ void printJson(const nlohmann::ordered_json& document);
 void printFields(const std::vector<std::string>& fields);
 std::string escapeField(const std::string& field);
 
+// Prints the file's findings as FILE:LINE:COLUMN: SEVERITY: MESSAGE, unless `json`, and counts
+// them. Returns them as JSON: an array of {file, line, column, severity, message}.
+nlohmann::ordered_json reportFindings(const check::SourceFile& file, bool json, std::size_t& errors,
+                                      std::size_t& warnings);
+// "3 files", "1 error".
+std::string plural(std::size_t count, const char* word);
+
 // "A, B or C" (with `last` "or"), or "A, B, C" without one: a closed set in a message.
 std::string joined(const std::vector<std::string>& words, const char* last = nullptr);
 
@@ -44,10 +53,6 @@ void setExample(CLI::App& command, const std::string& example);
 // Ends a help screen with `notes` (what --json prints, the exit statuses), then the example.
 void endHelp(CLI::App& command, const std::string& notes, const std::string& example);
 // Ends a help screen with "Exit status: STATUSES", then the example.
-void finishHelp(CLI::App& command, const std::string& example, const std::string& statuses);
-
-// Describes why an XML file could not be used: missing, unreadable, or not well-formed
-// (with its line and column). Returns an empty text when the file parses.
-std::string describeXmlProblem(const std::string& path);
+void finishHelp(CLI::App& command, const std::string& statuses, const std::string& example);
 
 } // namespace pallix::tool

@@ -73,7 +73,7 @@ void registerSize(CLI::App& app) {
         ->check(IntegerIn(0, 17));
     command->add_flag("--spaced", options->spaced, "Put a blank between number and unit");
     addJsonFlag(*command, options->json);
-    finishHelp(*command, "pallix size 1536 --precision 1", std::string("0 shown; ") + kUsageStatus);
+    finishHelp(*command, std::string("0 shown; ") + kUsageStatus, "pallix size 1536 --precision 1");
     command->callback([options] {
         const auto bytes =
             parseUnsigned(options->bytes, std::numeric_limits<unsigned long long>::max());
@@ -174,8 +174,8 @@ void registerCoord(CLI::App& app) {
                       "Into wgs84: invert the gcj02 shift exactly (to 1e-9 degrees and better) "
                       "instead of in one step, which can miss by metres");
     addJsonFlag(*command, options->json);
-    finishHelp(*command, "pallix coord wgs84 gcj02 116.397128 39.916527",
-               std::string("0 converted; ") + kUsageStatus);
+    finishHelp(*command, std::string("0 converted; ") + kUsageStatus,
+               "pallix coord wgs84 gcj02 116.397128 39.916527");
     command->callback([options] {
         const Datum source = parseDatum(options->from);
         const Datum target = parseDatum(options->to);
@@ -213,7 +213,7 @@ void registerDate(CLI::App& app) {
     command->add_option("SECONDS", options->seconds, "Seconds since 1970-01-01 00:00 UTC")
         ->required();
     addJsonFlag(*command, options->json);
-    finishHelp(*command, "pallix date 1704139200 --json", std::string("0 shown; ") + kUsageStatus);
+    finishHelp(*command, std::string("0 shown; ") + kUsageStatus, "pallix date 1704139200 --json");
     command->callback([options] {
         const auto seconds = parseInteger(options->seconds, 0, UINT32_MAX);
         if (!seconds) {
@@ -247,8 +247,8 @@ void registerPassword(CLI::App& app) {
                     "{\"accepted\": true or false}.");
     command->add_option("TEXT", options->text, "The password, UTF-8")->required();
     addJsonFlag(*command, options->json);
-    finishHelp(*command, "pallix password 'abc123'",
-               std::string("0 accepted; 1 rejected; ") + kUsageStatus);
+    finishHelp(*command, std::string("0 accepted; 1 rejected; ") + kUsageStatus,
+               "pallix password 'abc123'");
     command->callback([options] {
         RootScope scope;
         const bool accepted = scope.strings().passwordMatch(

@@ -28,6 +28,8 @@ enum class FileKind {
 // "cloud", "cpid", ... as the --kind option names them.
 const std::vector<std::string>& fileKindNames();
 std::string nameOf(FileKind kind);
+// How messages call the kind: "a cloud document", "a chip table", ...
+std::string describe(FileKind kind);
 std::optional<FileKind> fileKindFromName(const std::string& name);
 
 // The kind of a whole file: factory information when it looks like JSON, otherwise the kind

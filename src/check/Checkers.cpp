@@ -20,25 +20,26 @@ namespace cfg = format::configuration;
 
 struct Kind {
     const char* name;
+    const char* description;
     const char* root; // null for factory information, JSON
     void (*check)(SourceFile&, const pugi::xml_node& root);
 };
 
 // In the order of FileKind.
 const Kind kKinds[] = {
-    {"cloud", format::cloud::kRoot, checkCloud},
-    {"cpid", format::cpid::kRoot, checkCpid},
-    {"crash", format::crash::kRoot, checkCrash},
-    {"restore-error", format::restore_error::kRoot, checkRestoreError},
-    {"mapping", format::plugin_mapping::kRoot, checkMapping},
-    {"config", cfg::kRoot, checkConfig},
-    {"legacy-config", cfg::legacy::kRoot, checkLegacyConfig},
-    {"notify", format::notify::kRoot, checkNotify},
-    {"portbind", format::portbind::kRoot, checkPortbind},
-    {"factory", nullptr, nullptr},
-    {"ipsw", format::custom_firmware::kRoot, checkIpsw},
-    {"version", cfg::version::kRoot, checkVersion},
-    {"old-notify", format::notify::kOldRoot, checkOldNotify},
+    {"cloud", "a cloud document", format::cloud::kRoot, checkCloud},
+    {"cpid", "a chip table", format::cpid::kRoot, checkCpid},
+    {"crash", "a crash code table", format::crash::kRoot, checkCrash},
+    {"restore-error", "a restore error table", format::restore_error::kRoot, checkRestoreError},
+    {"mapping", "a plug-in mapping table", format::plugin_mapping::kRoot, checkMapping},
+    {"config", "a configuration file", cfg::kRoot, checkConfig},
+    {"legacy-config", "a legacy configuration file", cfg::legacy::kRoot, checkLegacyConfig},
+    {"notify", "a notification store", format::notify::kRoot, checkNotify},
+    {"portbind", "a port binding store", format::portbind::kRoot, checkPortbind},
+    {"factory", "a factory information store", nullptr, nullptr},
+    {"ipsw", "a restore firmware store", format::custom_firmware::kRoot, checkIpsw},
+    {"version", "a version file", cfg::version::kRoot, checkVersion},
+    {"old-notify", "a notification of the old layout", format::notify::kOldRoot, checkOldNotify},
 };
 
 const Kind& kindOf(FileKind kind) {
@@ -130,6 +131,10 @@ const std::vector<std::string>& fileKindNames() {
 
 std::string nameOf(FileKind kind) {
     return kindOf(kind).name;
+}
+
+std::string describe(FileKind kind) {
+    return kindOf(kind).description;
 }
 
 std::optional<FileKind> fileKindFromName(const std::string& name) {
