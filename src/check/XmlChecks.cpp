@@ -51,8 +51,7 @@ struct Scanner {
             wrapped = wrapped * (hexadecimal ? 16u : 10u) + static_cast<unsigned>(digit);
             value = value > 0x10FFFF ? value : value * (hexadecimal ? 16 : 10) + digit;
         }
-        if (value == 0x9 || value == 0xA || value == 0xD || (value >= 0x20 && value <= 0xD7FF) ||
-            (value >= 0xE000 && value <= 0xFFFD) || (value >= 0x10000 && value <= 0x10FFFF)) {
+        if (format::isXmlCharacter(value)) {
             return;
         }
         const std::string prefix =

@@ -5,6 +5,48 @@
 
 namespace pallix::format {
 
+namespace {
+
+// The code point of the UTF-8 sequence at `at`, advancing past it; -1 for malformed bytes.
+long decodeUtf8(const std::string& text, std::size_t& at) {
+    const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(at);
+    int length = 0;
+    long point = 0;
+    if (lead < 0x80) {
+        ++at;
+        return lead;
+    } else if ((lead & 0xE0) == 0xC0) {
+        length = 2;
+        point = lead & 0x1F;
+    } else if ((lead & 0xF0) == 0xE0) {
+        length = 3;
+        point = lead & 0x0F;
+    } else if ((lead & 0xF8) == 0xF0) {
+        length = 4;
+        point = lead & 0x07;
+    } else {
+        return -1;
+    }
+    if (at + length > text.size()) {
+        return -1;
+    }
+    for (int i = 1; i < length; ++i) {
+        if ((byte(at + i) & 0xC0) != 0x80) {
+            return -1;
+        }
+        point = (point << 6) | (byte(at + i) & 0x3F);
+    }
+    static const long smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (point < smallest[length] || point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF)) {
+        return -1;
+    }
+    at += length;
+    return point;
+}
+
+} // namespace
+
 int readInt32(const pugi::xml_attribute& attribute, int fallback) {
     return attribute.as_int(fallback);
 }
@@ -61,6 +103,22 @@ bool isBase64(const std::string& text) {
         }
     }
     return true;
+}
+
+std::string xmlTextProblem(const std::string& text) {
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t start = at;
+        const long point = decodeUtf8(text, at);
+        if (point < 0) {
+            return "byte " + std::to_string(start + 1) + " is not UTF-8";
+        }
+        if (!isXmlCharacter(static_cast<unsigned long long>(point))) {
+            char name[16];
+            std::snprintf(name, sizeof name, "U+%04lX", static_cast<unsigned long>(point));
+            return std::string("character ") + name + " which an XML 1.0 file cannot carry";
+        }
+    }
+    return std::string();
 }
 
 } // namespace pallix::format

@@ -56,4 +56,17 @@ unsigned long long readDeviceId(const char* name);
 // is such a value, that is, whether the store reads it back as the bytes it stands for.
 bool isBase64(const std::string& text);
 
+// ---- characters
+// Whether a code point is a character that an XML 1.0 document may carry, written out or as a
+// character reference.
+constexpr bool isXmlCharacter(unsigned long long point) {
+    return point == 0x9 || point == 0xA || point == 0xD || (point >= 0x20 && point <= 0xD7FF) ||
+           (point >= 0xE000 && point <= 0xFFFD) || (point >= 0x10000 && point <= 0x10FFFF);
+}
+// Why a text cannot be carried by an XML 1.0 document (bytes that are not UTF-8, or a character
+// that XML does not allow, such as a control character other than tab, line feed and carriage
+// return); empty when it can. The library's writer would write such a character as a reference
+// that other XML parsers refuse.
+std::string xmlTextProblem(const std::string& text);
+
 } // namespace pallix::format

@@ -98,3 +98,31 @@ TEST(FormatConfiguration, EveryPreferenceIsFoundByItsElement) {
     EXPECT_THROW(cfg::preference(cfg::kLastVersion), std::invalid_argument);
     EXPECT_THROW(cfg::preference(cfg::kStatus), std::invalid_argument);
 }
+
+TEST(FormatCharacters, XmlCharactersAreThoseThatXml10Allows) {
+    for (unsigned long long allowed : {0x9ULL, 0xAULL, 0xDULL, 0x20ULL, 0xD7FFULL, 0xE000ULL,
+                                       0xFFFDULL, 0x10000ULL, 0x10FFFFULL}) {
+        EXPECT_TRUE(format::isXmlCharacter(allowed)) << std::hex << allowed;
+    }
+    for (unsigned long long refused : {0x0ULL, 0x1ULL, 0x8ULL, 0xBULL, 0x1FULL, 0xD800ULL,
+                                       0xDFFFULL, 0xFFFEULL, 0xFFFFULL, 0x110000ULL}) {
+        EXPECT_FALSE(format::isXmlCharacter(refused)) << std::hex << refused;
+    }
+}
+
+TEST(FormatCharacters, TextThatXmlCannotCarryIsNamed) {
+    EXPECT_EQ(format::xmlTextProblem(""), "");
+    EXPECT_EQ(
+        format::xmlTextProblem("tab\tline\ncarriage\r \xe9\xab\x98\xe6\xb8\xa9 \xf0\x9f\x98\x80"),
+        "");
+    EXPECT_EQ(format::xmlTextProblem("a\x01"),
+              "character U+0001 which an XML 1.0 file cannot carry");
+    EXPECT_EQ(format::xmlTextProblem("\xef\xbf\xbe"),
+              "character U+FFFE which an XML 1.0 file cannot carry");
+    EXPECT_EQ(format::xmlTextProblem("ab\xff"), "byte 3 is not UTF-8");
+    // An overlong form, an encoded surrogate, a cut-short sequence and a code point past U+10FFFF.
+    EXPECT_EQ(format::xmlTextProblem("\xc0\xaf"), "byte 1 is not UTF-8");
+    EXPECT_EQ(format::xmlTextProblem("\xed\xa0\x80"), "byte 1 is not UTF-8");
+    EXPECT_EQ(format::xmlTextProblem("x\xe6\xb8"), "byte 2 is not UTF-8");
+    EXPECT_EQ(format::xmlTextProblem("\xf4\x90\x80\x80"), "byte 1 is not UTF-8");
+}

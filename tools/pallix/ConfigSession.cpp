@@ -6,6 +6,8 @@
 #include "ToolOutput.h"
 #include "Values.h"
 
+#include "Conversions.h"
+
 #include "NFileSystem.h"
 #include "PRuntime.h"
 #include "PRuntimeConfig.h"
@@ -63,7 +65,7 @@ std::string lowerCamel(std::string name) {
 }
 
 const std::string& xmlText(const std::string& what, const std::string& text) {
-    const std::string problem = xmlTextProblem(text);
+    const std::string problem = format::xmlTextProblem(text);
     if (!problem.empty()) {
         failUsage(what + " has " + problem);
     }

@@ -24,11 +24,6 @@ std::optional<unsigned long long> parseUnsigned(const std::string& text, unsigne
 // A number that strtod reads in full and that is finite.
 std::optional<double> parseFiniteNumber(const std::string& text);
 
-// Why the text cannot be carried by an XML 1.0 document (a control character other than tab,
-// line feed and carriage return, U+FFFE or U+FFFF, or bytes that are not UTF-8); empty when
-// it can.
-std::string xmlTextProblem(const std::string& text);
-
 // Validators for CLI11 options built on the parsers above. The option's own conversion then
 // only ever sees text that it converts exactly.
 CLI::Validator IntegerIn(long long minimum, long long maximum);
