@@ -1,6 +1,5 @@
-// "pallix factory" and "pallix ipsw": the factory information of devices and the firmware files
-// matched by hand to download addresses of a configuration directory, listed and changed
-// through the library's stores.
+// "pallix factory": the factory information of devices kept in a configuration directory,
+// listed and changed through the library's store.
 
 #include "Commands.h"
 
@@ -8,16 +7,13 @@
 #include "Failure.h"
 #include "FileGuard.h"
 #include "FileNames.h"
-#include "NFileSystem.h"
 #include "NJsonObject.h"
 #include "PRuntimeFactory.h"
-#include "PRuntimeRestoreCustomFirmware.h"
 #include "StoreCommon.h"
 #include "ToolOutput.h"
 #include "Values.h"
 
 #include <climits>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -31,10 +27,6 @@ namespace {
 
 // The stores' file names, as the library keeps them.
 const std::string kFactoryFile = std::string("/") + format::kFactoryFile;
-const std::string kIpswFile = std::string("/") + format::kCustomFirmwareFile;
-
-// ---------------------------------------------------------------------------------------------
-// Factory information
 
 // How a value that is not plain text is shown and typed: its bytes in base64 after this prefix.
 const std::string kBase64Prefix = "base64:";
@@ -84,7 +76,7 @@ std::optional<NByteArray> fromBase64(const std::string& text) {
 // Plain text shows as it is; other bytes, and text that would read as base64, in base64.
 std::string showValue(const NByteArray& bytes) {
     const std::string& raw = bytes.toStdString();
-    const bool plain = xmlTextProblem(raw).empty() && raw.rfind(kBase64Prefix, 0) != 0;
+    const bool plain = format::xmlTextProblem(raw).empty() && raw.rfind(kBase64Prefix, 0) != 0;
     return plain ? raw : kBase64Prefix + toBase64(bytes);
 }
 
@@ -143,7 +135,8 @@ void factoryList(const FactoryOptions& options) {
             values.push_back(
                 {{"key", key.toStdString()},
                  {"base64", toBase64(value)},
-                 {"text", xmlTextProblem(raw).empty() ? nlohmann::ordered_json(raw) : nullptr}});
+                 {"text",
+                  format::xmlTextProblem(raw).empty() ? nlohmann::ordered_json(raw) : nullptr}});
         });
         if (options.json) {
             list.push_back({{"id", deviceName(id)}, {"values", values}});
@@ -190,7 +183,9 @@ void factoryRemove(const FactoryOptions& options) {
     std::cout << "removed " << name << '\n';
 }
 
-void registerFactory(CLI::App& app) {
+} // namespace
+
+void registerFactoryCommands(CLI::App& app) {
     auto options = std::make_shared<FactoryOptions>();
     CLI::App* factory = app.add_subcommand(
         "factory", "Factory information of devices, kept in the configuration directory (" +
@@ -230,146 +225,6 @@ void registerFactory(CLI::App& app) {
                "pallix factory add 8101 SerialNumber=DNPXK2ABHG7F Nonce=base64:AH//");
     finishHelp(*remove, "0 removed; 1 not found or not written; 2 usage error or unreadable file",
                "pallix factory remove 8101");
-}
-
-// ---------------------------------------------------------------------------------------------
-// Custom firmware matches
-
-struct IpswOptions {
-    std::string configDirectory;
-    bool json = false;
-    bool force = false;
-    std::string url;
-    std::string local;
-};
-
-void ipswList(const IpswOptions& options) {
-    readableStoreFile(options.configDirectory, kIpswFile, check::FileKind::Ipsw);
-    PRuntimeRestoreCustomFirmware store;
-    nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    store.traverse([&](const NString& url, const NString& local) {
-        if (options.json) {
-            list.push_back({{"url", url.toStdString()}, {"local", local.toStdString()}});
-        } else {
-            printFields({url.toStdString(), local.toStdString()});
-        }
-    });
-    if (options.json) {
-        printJson(list);
-    }
-}
-
-void ipswFind(const IpswOptions& options) {
-    readableStoreFile(options.configDirectory, kIpswFile, check::FileKind::Ipsw);
-    PRuntimeRestoreCustomFirmware store;
-    NString local;
-    if (!store.find(NString(options.url), local)) {
-        failNotFound(options.url + ": no local file matched");
-    }
-    if (options.json) {
-        printJson({{"url", options.url}, {"local", local.toStdString()}});
-    } else {
-        printFields({local.toStdString()});
-    }
-}
-
-void ipswAdd(const IpswOptions& options) {
-    if (options.url.empty()) {
-        failUsage("the download address is empty");
-    }
-    std::error_code error;
-    const std::string local =
-        std::filesystem::absolute(options.local, error).lexically_normal().string();
-    // The store drops a match whose file is gone the next time it reads the file.
-    if (error || !NFileSystem::path::exist(NString(local))) {
-        failUnreadable(options.local + ": no such file; the store keeps a match only while its "
-                                       "file exists");
-    }
-    const StoreChange session(options.configDirectory, kIpswFile);
-    session.guard(check::FileKind::Ipsw, options.force);
-    PRuntimeRestoreCustomFirmware store;
-    NString earlier;
-    const bool rematching = store.find(NString(options.url), earlier);
-    if (rematching && earlier.toStdString() == local) {
-        reportNote(options.url + " is already matched to " + local + "; unchanged");
-        return;
-    }
-    store.append(NString(options.url), NString(local));
-    session.requireWritten();
-    std::cout << (rematching ? "rematched " : "matched ") << options.url << " to " << local
-              << (rematching ? " (was " + earlier.toStdString() + ")" : "") << '\n';
-}
-
-void ipswRemove(const IpswOptions& options) {
-    const StoreChange session(options.configDirectory, kIpswFile);
-    session.guard(check::FileKind::Ipsw, options.force);
-    PRuntimeRestoreCustomFirmware store;
-    if (!store.find(NString(options.url), PRuntimeRestoreCustomFirmware::Visitor())) {
-        failNotFound(options.url + ": no local file matched");
-    }
-    store.remove(NString(options.url));
-    session.requireWritten();
-    std::cout << "forgot the match of " << options.url << '\n';
-}
-
-void registerIpsw(CLI::App& app) {
-    auto options = std::make_shared<IpswOptions>();
-    CLI::App* ipsw = app.add_subcommand(
-        "ipsw", "Firmware files matched to download addresses, kept in the configuration "
-                "directory (" +
-                    kIpswFile.substr(1) + ")");
-    ipsw->require_subcommand(1);
-
-    CLI::App* list = ipsw->add_subcommand(
-        "list", "One line per match, by address: address and local file, tab-separated (matches "
-                "whose file is gone are left out, as the library leaves them out). With --json: "
-                "an array of {url, local}");
-    addJsonFlag(*list, options->json);
-    list->callback([options] { ipswList(*options); });
-
-    const char* const urlHelp = "Firmware download address";
-    CLI::App* find = ipsw->add_subcommand(
-        "find", "The local file matched to an address. With --json: {url, local}");
-    find->add_option("url", options->url, urlHelp)->required();
-    addJsonFlag(*find, options->json);
-    find->callback([options] { ipswFind(*options); });
-
-    CLI::App* add = ipsw->add_subcommand(
-        "add", "Match a local firmware file to an address, replacing an earlier match");
-    add->add_option("url", options->url, urlHelp)->required()->check(XmlText());
-    add->add_option("local", options->local, "Local firmware file (kept as an absolute path)")
-        ->required()
-        ->check(XmlText());
-    addForceFlag(*add, options->force);
-    add->callback([options] { ipswAdd(*options); });
-
-    CLI::App* remove = ipsw->add_subcommand("remove", "Forget the match of an address");
-    remove->add_option("url", options->url, urlHelp)->required();
-    addForceFlag(*remove, options->force);
-    remove->callback([options] { ipswRemove(*options); });
-
-    shareConfigDirectory(*ipsw, options->configDirectory);
-    const std::string url = "https://updates.example.com/ipsw/iPhone15,2_17.1_Restore.ipsw";
-    finishHelp(*ipsw, "0 done; 1 not found or not written; 2 usage error or unreadable file",
-               "pallix ipsw --config-dir ~/.config/TolVane list --json");
-    finishHelp(*list, "0 listed; 2 the file cannot be read", "pallix ipsw list");
-    finishHelp(*find, "0 found; 1 not matched; 2 usage error or unreadable file",
-               "pallix ipsw find " + url + " --json");
-    finishHelp(*add,
-               "0 matched, rematched or already matched; 1 not written; 2 usage error, "
-               "missing local file or unreadable file",
-               "pallix ipsw add " + url + " ~/Downloads/iPhone15,2_17.1_Restore.ipsw");
-    finishHelp(*remove,
-               "0 forgotten; 1 not matched or not written; 2 usage error or "
-               "unreadable file",
-               "pallix ipsw remove " + url);
-}
-
-} // namespace
-
-void registerRestoreCommands(CLI::App& app) {
-    registerFactory(app);
-    registerIpsw(app);
 }
 
 } // namespace pallix::tool

@@ -1,5 +1,5 @@
-// "pallix notify" and "pallix portbind": list and edit the notification and port binding
-// stores of a configuration directory through the library.
+// "pallix notify": lists and edits the notifications of a configuration directory through the
+// library's store.
 
 #include "Commands.h"
 
@@ -7,7 +7,6 @@
 #include "FileGuard.h"
 #include "FileNames.h"
 #include "PRuntimeNotify.h"
-#include "PRuntimePortbind.h"
 #include "StoreCommon.h"
 #include "ToolOutput.h"
 #include "Values.h"
@@ -26,7 +25,6 @@ namespace {
 // The stores' file names, as the library keeps them.
 const std::string kNotifyFile = std::string("/") + format::kNotifyFile;
 const std::string kOldNotifyDirectory = std::string("/") + format::kOldNotifyDirectory;
-const std::string kPortbindFile = std::string("/") + format::kPortbindFile;
 
 bool exists(const std::string& path) {
     struct stat info {};
@@ -37,8 +35,6 @@ bool isDirectory(const std::string& path) {
     struct stat info {};
     return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
-
-// Notifications.
 
 struct NotifyOptions {
     std::string configDirectory;
@@ -177,7 +173,9 @@ void notifyRemove(const NotifyOptions& options) {
     std::cout << "marked " << name << " removed\n";
 }
 
-void registerNotify(CLI::App& app) {
+} // namespace
+
+void registerNotifyCommands(CLI::App& app) {
     auto options = std::make_shared<NotifyOptions>();
     CLI::App* notify =
         app.add_subcommand("notify", "List, add or remove the notifications of a configuration "
@@ -228,135 +226,6 @@ void registerNotify(CLI::App& app) {
                "0 marked removed (or already); 1 not found or not written; 2 usage "
                "error or unreadable file",
                "pallix notify remove 1001");
-}
-
-// Port bindings.
-
-struct PortbindOptions {
-    std::string configDirectory;
-    bool json = false;
-    bool force = false;
-    std::string source;
-    std::string target;
-};
-
-void portbindList(const PortbindOptions& options) {
-    readableStoreFile(options.configDirectory, kPortbindFile, check::FileKind::Portbind);
-    PRuntimePortbind store;
-    nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    store.traverse([&](const NString& source, const NString& target) {
-        if (options.json) {
-            list.push_back({{"source", source.toStdString()}, {"target", target.toStdString()}});
-        } else {
-            printFields({source.toStdString(), target.toStdString()});
-        }
-    });
-    if (options.json) {
-        printJson(list);
-    }
-}
-
-void portbindFind(const PortbindOptions& options) {
-    readableStoreFile(options.configDirectory, kPortbindFile, check::FileKind::Portbind);
-    PRuntimePortbind store;
-    const NString source(options.source);
-    if (!store.exist(source)) {
-        failNotFound(options.source + " is not bound");
-    }
-    const std::string target = store.find(source).toStdString();
-    if (options.json) {
-        printJson({{"source", options.source}, {"target", target}});
-    } else {
-        printFields({target});
-    }
-}
-
-void portbindAdd(const PortbindOptions& options) {
-    if (options.source.empty() || options.target.empty()) {
-        failUsage("a binding needs a non-empty source and target");
-    }
-    const StoreChange session(options.configDirectory, kPortbindFile);
-    session.guard(check::FileKind::Portbind, options.force);
-    PRuntimePortbind store;
-    const NString source(options.source);
-    const bool rebinding = store.exist(source);
-    const std::string earlier = store.find(source).toStdString();
-    if (rebinding && earlier == options.target) {
-        reportNote(options.source + " is already bound to " + options.target + "; unchanged");
-        return;
-    }
-    store.append(source, NString(options.target));
-    session.requireWritten();
-    std::cout << (rebinding ? "rebound " : "bound ") << options.source << " to " << options.target
-              << (rebinding ? " (was " + earlier + ")" : "") << '\n';
-}
-
-void portbindRemove(const PortbindOptions& options) {
-    if (options.source.empty()) {
-        failUsage("a binding needs a non-empty source");
-    }
-    const StoreChange session(options.configDirectory, kPortbindFile);
-    session.guard(check::FileKind::Portbind, options.force);
-    PRuntimePortbind store;
-    const NString source(options.source);
-    if (!store.exist(source)) {
-        failNotFound(options.source + " is not bound");
-    }
-    store.remove(source);
-    session.requireWritten();
-    std::cout << "unbound " << options.source << '\n';
-}
-
-void registerPortbind(CLI::App& app) {
-    auto options = std::make_shared<PortbindOptions>();
-    CLI::App* portbind = app.add_subcommand(
-        "portbind", "List, add or remove the port bindings of a configuration directory (" +
-                        kPortbindFile.substr(1) + ")");
-    portbind->require_subcommand(1);
-
-    CLI::App* list = portbind->add_subcommand(
-        "list", "One line per binding, by source: source and target, tab-separated. With "
-                "--json: an array of {source, target}");
-    addJsonFlag(*list, options->json);
-    list->callback([options] { portbindList(*options); });
-
-    CLI::App* find = portbind->add_subcommand(
-        "find", "The target bound to a source. With --json: {source, target}");
-    find->add_option("source", options->source, "Source")->required();
-    addJsonFlag(*find, options->json);
-    find->callback([options] { portbindFind(*options); });
-
-    CLI::App* add = portbind->add_subcommand("add", "Bind a source to a target, replacing its "
-                                                    "earlier binding");
-    add->add_option("source", options->source, "Source")->required()->check(XmlText());
-    add->add_option("target", options->target, "Target")->required()->check(XmlText());
-    addForceFlag(*add, options->force);
-    add->callback([options] { portbindAdd(*options); });
-
-    CLI::App* remove = portbind->add_subcommand("remove", "Remove the binding of a source");
-    remove->add_option("source", options->source, "Source")->required();
-    addForceFlag(*remove, options->force);
-    remove->callback([options] { portbindRemove(*options); });
-
-    shareConfigDirectory(*portbind, options->configDirectory);
-    finishHelp(*portbind, "0 done; 1 not found or not written; 2 usage error or unreadable file",
-               "pallix portbind --config-dir ~/.config/TolVane list --json");
-    finishHelp(*list, "0 listed; 2 the file cannot be read", "pallix portbind list");
-    finishHelp(*find, "0 found; 1 not bound; 2 usage error or unreadable file",
-               "pallix portbind find usb-1 --json");
-    finishHelp(*add,
-               "0 bound, rebound or already bound; 1 not written; 2 usage error or "
-               "unreadable file",
-               "pallix portbind add usb-1 tcp:62078");
-    finishHelp(*remove, "0 unbound; 1 not bound or not written; 2 usage error or unreadable file",
-               "pallix portbind remove usb-1");
-}
-
-} // namespace
-
-void registerStoreCommands(CLI::App& app) {
-    registerNotify(app);
-    registerPortbind(app);
 }
 
 } // namespace pallix::tool

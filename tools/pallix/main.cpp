@@ -173,8 +173,10 @@ int main(int argc, char** argv) {
     pallix::tool::registerConfigCommands(app);
     pallix::tool::registerCloudCommands(app);
     pallix::tool::registerTableCommands(app);
-    pallix::tool::registerStoreCommands(app);
-    pallix::tool::registerRestoreCommands(app);
+    pallix::tool::registerNotifyCommands(app);
+    pallix::tool::registerPortbindCommands(app);
+    pallix::tool::registerFactoryCommands(app);
+    pallix::tool::registerIpswCommands(app);
     pallix::tool::registerUtilityCommands(app);
     pallix::tool::registerCheckCommands(app);
     pallix::tool::registerReleaseCommands(app);
