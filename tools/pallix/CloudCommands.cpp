@@ -5,7 +5,7 @@
 #include "CloudFormat.h"
 #include "Commands.h"
 #include "Failure.h"
-#include "Lookup.h"
+#include "FileGuard.h"
 #include "Suggestion.h"
 #include "ToolOutput.h"
 

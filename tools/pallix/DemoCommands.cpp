@@ -146,10 +146,30 @@ std::string coordinates(double longitude, double latitude) {
     return text.str();
 }
 
+// The sample reference tables: the cloud document's entry for each, and how the library loads it.
 struct ReferenceTable {
     const char* entry;
     const char* file;
+    const char* what;
     PRuntimeCloudApplicationHash (PRuntimeCloud::*lookup)() const;
+    bool (*load)(const NString& path);
+};
+
+const ReferenceTable kTables[] = {
+    {format::cloud::kReferenceCpid, "cpid.xml", "chip identifier table",
+     &PRuntimeCloud::application_hash_cpid,
+     [](const NString& path) { return PRuntime::getInstance()->cpid()->format(path); }},
+    {format::cloud::kReferenceCrashCode, "crash.xml", "crash code table",
+     &PRuntimeCloud::application_hash_crash_code,
+     [](const NString& path) { return PRuntime::getInstance()->crashCode()->format(path); }},
+    {format::cloud::kReferenceRestoreCode, "restore-error.xml", "restore error table",
+     &PRuntimeCloud::application_hash_restore_code,
+     [](const NString& path) {
+         return PRuntime::getInstance()->restore()->restoreError()->format(path);
+     }},
+    {format::cloud::kReferencePluginMapping, "plugin-mapping.xml", "plug-in mapping table",
+     &PRuntimeCloud::application_hash_developer_plugin_mapping,
+     [](const NString& path) { return PRuntime::getInstance()->pluginMapping()->format(path); }},
 };
 
 void initialiseConfiguration(DemoPrinter& out, const std::string& configDir,
@@ -196,16 +216,7 @@ void loadCloudDocument(DemoPrinter& out, const std::string& samples) {
         return;
     }
     out.good("cloud document loaded: " + samples + "/cloud.xml");
-    const ReferenceTable tables[] = {
-        {format::cloud::kReferenceCpid, "cpid.xml", &PRuntimeCloud::application_hash_cpid},
-        {format::cloud::kReferenceCrashCode, "crash.xml",
-         &PRuntimeCloud::application_hash_crash_code},
-        {format::cloud::kReferenceRestoreCode, "restore-error.xml",
-         &PRuntimeCloud::application_hash_restore_code},
-        {format::cloud::kReferencePluginMapping, "plugin-mapping.xml",
-         &PRuntimeCloud::application_hash_developer_plugin_mapping},
-    };
-    for (const ReferenceTable& table : tables) {
+    for (const ReferenceTable& table : kTables) {
         const PRuntimeCloudApplicationHash entry = (cloud->*table.lookup)();
         out.line(std::string(table.entry) + ": " + entry.url().toStdString());
         const std::string actual = md5Of(samples + "/" + table.file);
@@ -220,22 +231,14 @@ void loadCloudDocument(DemoPrinter& out, const std::string& samples) {
 
 void loadTables(DemoPrinter& out, const std::string& samples) {
     out.step("Load the reference tables");
-    PRuntime* root = PRuntime::getInstance();
-    const auto report = [&out](bool loaded, const std::string& what, const std::string& path) {
-        if (loaded) {
-            out.good(what + " loaded from " + path);
+    for (const ReferenceTable& table : kTables) {
+        const std::string path = samples + "/" + table.file;
+        if (table.load(NString(path))) {
+            out.good(std::string(table.what) + " loaded from " + path);
         } else {
-            out.bad(what + " could not be read from " + path);
+            out.bad(std::string(table.what) + " could not be read from " + path);
         }
-    };
-    report(root->cpid()->format(NString(samples + "/cpid.xml")), "chip identifier table",
-           samples + "/cpid.xml");
-    report(root->crashCode()->format(NString(samples + "/crash.xml")), "crash code table",
-           samples + "/crash.xml");
-    report(root->restore()->restoreError()->format(NString(samples + "/restore-error.xml")),
-           "restore error table", samples + "/restore-error.xml");
-    report(root->pluginMapping()->format(NString(samples + "/plugin-mapping.xml")),
-           "plug-in mapping table", samples + "/plugin-mapping.xml");
+    }
 }
 
 void identifyDevices(DemoPrinter& out) {

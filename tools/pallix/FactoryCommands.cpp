@@ -52,10 +52,6 @@ unsigned long long parseDeviceId(const std::string& text) {
     return *id;
 }
 
-std::string deviceName(unsigned long long id) {
-    return format::deviceIdText(id);
-}
-
 // The store keeps a value as base64 text in its JSON object: ask the same object for the
 // encoding, so that what the tool shows is what the file holds.
 std::string toBase64(const NByteArray& bytes) {
@@ -128,7 +124,7 @@ void factoryList(const FactoryOptions& options) {
         nlohmann::ordered_json values = nlohmann::ordered_json::array();
         info.traverse([&](const NString& key, const NByteArray& value) {
             if (!options.json) {
-                printFields({deviceName(id), key.toStdString(), showValue(value)});
+                printFields({format::deviceIdText(id), key.toStdString(), showValue(value)});
                 return;
             }
             const std::string& raw = value.toStdString();
@@ -139,7 +135,7 @@ void factoryList(const FactoryOptions& options) {
                   format::xmlTextProblem(raw).empty() ? nlohmann::ordered_json(raw) : nullptr}});
         });
         if (options.json) {
-            list.push_back({{"id", deviceName(id)}, {"values", values}});
+            list.push_back({{"id", format::deviceIdText(id)}, {"values", values}});
         }
     });
     if (options.json) {
@@ -159,7 +155,7 @@ void factoryAdd(const FactoryOptions& options) {
             kept = values;
         }
     });
-    const std::string name = "device " + deviceName(id);
+    const std::string name = "device " + format::deviceIdText(id);
     if (kept && *kept == info) {
         reportNote(name + " already holds these values; unchanged");
         return;
@@ -174,7 +170,7 @@ void factoryRemove(const FactoryOptions& options) {
     const StoreChange session(options.configDirectory, kFactoryFile);
     session.guard(check::FileKind::Factory, options.force);
     PRuntimeFactory store;
-    const std::string name = "device " + deviceName(id);
+    const std::string name = "device " + format::deviceIdText(id);
     if (!store.find(id)) {
         failNotFound("no factory information for " + name);
     }

@@ -43,4 +43,20 @@ void guardReading(const std::string& path, check::FileKind kind) {
     }
 }
 
+void requireFileKind(const std::string& path, check::FileKind expected) {
+    const std::optional<check::ReadingProblem> problem = check::readingProblem(path, expected);
+    if (!problem) {
+        return;
+    }
+    if (problem->cause == check::ReadingProblem::Cause::OtherKind) {
+        failUsage(path + " " + problem->message);
+    }
+    if (problem->line == 0) {
+        failUnreadable(path + ": " + problem->message);
+    }
+    failUnreadable(path + ":" + std::to_string(problem->line) + ":" +
+                   std::to_string(problem->column) + ": " + problem->message +
+                   " (run 'pallix check --kind " + check::nameOf(expected) + " " + path + "')");
+}
+
 } // namespace pallix::tool

@@ -12,10 +12,10 @@
 #include "Values.h"
 
 #include <climits>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <sys/stat.h>
 #include <vector>
 
 namespace pallix::tool {
@@ -25,16 +25,6 @@ namespace {
 // The stores' file names, as the library keeps them.
 const std::string kNotifyFile = std::string("/") + format::kNotifyFile;
 const std::string kOldNotifyDirectory = std::string("/") + format::kOldNotifyDirectory;
-
-bool exists(const std::string& path) {
-    struct stat info {};
-    return ::lstat(path.c_str(), &info) == 0;
-}
-
-bool isDirectory(const std::string& path) {
-    struct stat info {};
-    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
 
 struct NotifyOptions {
     std::string configDirectory;
@@ -78,18 +68,18 @@ bool sameItem(const PRuntimeNotifyItem& a, const PRuntimeNotifyItem& b) {
 // nothing, the store is opened again so that it does.
 std::unique_ptr<PRuntimeNotify> openNotify(const StoreChange& session, bool forChange, bool force) {
     const std::string old = session.directory() + kOldNotifyDirectory;
-    if (isDirectory(old)) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(old, ignored)) {
         auto store = std::make_unique<PRuntimeNotify>();
         std::vector<unsigned long long> ids;
         store->traverse(
             [&](unsigned long long id, const PRuntimeNotifyItem&) { ids.push_back(id); });
         if (!ids.empty()) {
-            const bool replacing = exists(session.file());
             store->update(ids.front(), store->find(ids.front()));
             session.requireWritten();
             reportNote("imported " + std::to_string(ids.size()) + " notification" +
                        (ids.size() == 1 ? "" : "s") + " from " + old + " into " + session.file() +
-                       (replacing ? ", in place of what it held" : ""));
+                       (session.existed() ? ", in place of what it held" : ""));
             return store;
         }
         reportNote("imported no notifications from " + old);

@@ -7,7 +7,7 @@
 #include "Commands.h"
 #include "Directories.h"
 #include "Failure.h"
-#include "Lookup.h"
+#include "FileGuard.h"
 #include "ReleaseCheck.h"
 #include "Suggestion.h"
 #include "ToolOutput.h"

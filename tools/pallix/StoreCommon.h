@@ -30,6 +30,8 @@ public:
 
     const std::string& directory() const { return m_directory; }
     const std::string& file() const { return m_file; }
+    // Whether the file was there when the change began.
+    bool existed() const { return m_existed; }
 
     // Refuses to let the library replace a file it cannot read (guardFile).
     void guard(check::FileKind kind, bool force) const;

@@ -5,7 +5,7 @@
 
 #include "Conversions.h"
 #include "Failure.h"
-#include "Lookup.h"
+#include "FileGuard.h"
 #include "NString.h"
 #include "PRuntimeCpid.h"
 #include "PRuntimeCrashCode.h"

@@ -111,15 +111,6 @@ CLI::Validator UnsignedUpTo(unsigned long long maximum) {
         "UINT in [0 - " + std::to_string(maximum) + "]");
 }
 
-CLI::Validator FiniteNumber() {
-    return CLI::Validator(
-        [](std::string& text) -> std::string {
-            return parseFiniteNumber(text) ? std::string()
-                                           : "'" + text + "' is not a finite number";
-        },
-        "NUMBER");
-}
-
 CLI::Validator XmlText() {
     return CLI::Validator(
         [](std::string& text) -> std::string { return format::xmlTextProblem(text); }, "");

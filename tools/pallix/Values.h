@@ -28,7 +28,6 @@ std::optional<double> parseFiniteNumber(const std::string& text);
 // only ever sees text that it converts exactly.
 CLI::Validator IntegerIn(long long minimum, long long maximum);
 CLI::Validator UnsignedUpTo(unsigned long long maximum);
-CLI::Validator FiniteNumber();
 CLI::Validator XmlText();
 
 } // namespace pallix::tool
