@@ -39,9 +39,6 @@ const char passwordPattern[] = "^(?![\\d]+$)(?![a-zA-Z]+$)(?![^\\da-zA-Z]+$).{6,
 
 const char dateFormat[] = "yyyy-MM-dd";
 
-// QDateTime's 32-bit epoch seconds are unsigned: uint(-1) is its "invalid" value.
-constexpr long long invalidSeconds = 4294967295LL;
-
 } // namespace
 
 PRuntimeString::PRuntimeString() noexcept = default;
