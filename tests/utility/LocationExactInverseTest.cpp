@@ -4,6 +4,7 @@
 // GCJ02_TO_WGS84.
 
 #include "LocationReference.h"
+#include "RegionSpy.h"
 
 #include "PRuntime.h"
 #include "PRuntimeLocation.h"
@@ -17,6 +18,8 @@
 #include <limits>
 #include <random>
 #include <vector>
+
+using pallix::test::RegionSpy;
 
 namespace {
 
@@ -46,21 +49,6 @@ double miss(const reference::Point& wgs, const reference::Point& gcj) {
     const reference::Point image = reference::wgsToGcj(wgs.lng, wgs.lat, false);
     return std::max(std::fabs(image.lng - gcj.lng), std::fabs(image.lat - gcj.lat));
 }
-
-// Counts the region questions, remembers the last one and can take in the whole world.
-class RegionSpy : public PRuntimeLocation {
-public:
-    bool isChina(double longitude, double latitude) const override {
-        ++calls;
-        lastLongitude = longitude;
-        lastLatitude = latitude;
-        return everywhereInside ? false : PRuntimeLocation::isChina(longitude, latitude);
-    }
-    bool everywhereInside = false;
-    mutable int calls = 0;
-    mutable double lastLongitude = 0.0;
-    mutable double lastLatitude = 0.0;
-};
 
 struct RoundTrips {
     int checked = 0;

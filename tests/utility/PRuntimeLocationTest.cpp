@@ -1,4 +1,5 @@
 #include "LocationReference.h"
+#include "RegionSpy.h"
 #include "VirtualSlot.h"
 
 #include "PRuntime.h"
@@ -12,6 +13,7 @@
 #include <type_traits>
 #include <vector>
 
+using pallix::test::RegionSpy;
 using pallix::test::virtualSlot;
 
 namespace {
@@ -66,21 +68,6 @@ protected:
     }
 
     PRuntimeLocation location;
-};
-
-// Counts the region questions and can claim the whole world as inside.
-class RegionSpy : public PRuntimeLocation {
-public:
-    bool isChina(double longitude, double latitude) const override {
-        ++calls;
-        lastLongitude = longitude;
-        lastLatitude = latitude;
-        return everywhereInside ? false : PRuntimeLocation::isChina(longitude, latitude);
-    }
-    bool everywhereInside = false;
-    mutable int calls = 0;
-    mutable double lastLongitude = 0.0;
-    mutable double lastLatitude = 0.0;
 };
 
 } // namespace

@@ -15,8 +15,6 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
-#include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
