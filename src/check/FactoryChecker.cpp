@@ -68,6 +68,45 @@ Json parse(const std::string& text, std::vector<JsonName>& names) {
     return document;
 }
 
+// Where and why the parser gives up on a text. A number too large for a double is an
+// out_of_range error, which carries no position, so the text is parsed again by a reader that
+// accepts every value and keeps what the parser says on stopping.
+struct ParserStop : nlohmann::json_sax<Json> {
+    std::size_t offset = 0;
+    std::string reason;
+
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool number_integer(number_integer_t) override { return true; }
+    bool number_unsigned(number_unsigned_t) override { return true; }
+    bool number_float(number_float_t, const string_t&) override { return true; }
+    bool string(string_t&) override { return true; }
+    bool binary(binary_t&) override { return true; }
+    bool start_object(std::size_t) override { return true; }
+    bool key(string_t&) override { return true; }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t) override { return true; }
+    bool end_array() override { return true; }
+    bool parse_error(std::size_t position, const std::string& token,
+                     const nlohmann::detail::exception& error) override {
+        // The parser counts from 1 the byte it stopped at: the one it could not take, or the
+        // last one of a number it could not hold, whose first byte is the better place.
+        const bool number = dynamic_cast<const nlohmann::detail::out_of_range*>(&error) != nullptr;
+        const std::size_t back = number ? token.size() : 1;
+        offset = position >= back ? position - back : 0;
+        // The parser's text follows its "[json.exception.NAME.ID] " prefix, and a syntax
+        // error's own "parse error at line L, column C: " prefix, which a finding gives itself.
+        const std::string what = error.what();
+        const std::size_t prefix = what.find("] ");
+        reason = what.substr(prefix == std::string::npos ? 0 : prefix + 2);
+        const std::size_t located = reason.find(", column ");
+        if (reason.rfind("parse error", 0) == 0 && located != std::string::npos) {
+            reason = reason.substr(reason.find(": ", located) + 2);
+        }
+        return false;
+    }
+};
+
 } // namespace
 
 void checkFactory(SourceFile& file) {
@@ -75,12 +114,11 @@ void checkFactory(SourceFile& file) {
     Json document;
     try {
         document = parse(file.text(), names);
-    } catch (const Json::parse_error& error) {
-        // The parser counts the byte it stopped at from 1.
-        const std::string description = error.what();
-        file.malformed(error.byte > 0 ? error.byte - 1 : 0,
-                       "not well-formed JSON: " + description.substr(description.rfind(": ") + 2) +
-                           "; the factory store reads nothing from this file");
+    } catch (const Json::exception&) {
+        ParserStop stop;
+        Json::sax_parse(file.text(), &stop);
+        file.malformed(stop.offset, "not well-formed JSON: " + stop.reason +
+                                        "; the factory store reads nothing from this file");
         return;
     }
     if (!document.is_object()) {

@@ -178,6 +178,8 @@ INSTANTIATE_TEST_SUITE_P(
         BrokenFile{"factory-not-hexadecimal.json", "", "3:3", "error", "it is dropped", 1},
         BrokenFile{"factory-lower-case.json", "", "3:3", "warning", "renamed", 1},
         BrokenFile{"factory-malformed.json", "", "3:40", "error", "not well-formed JSON", 2},
+        BrokenFile{"factory-number-overflow.json", "", "3:33", "error",
+                   "number overflow parsing '1e400'", 2},
         BrokenFile{"factory-repeated-member.json", "", "3:3", "warning",
                    "keeps only the last one's value", 1},
         BrokenFile{"factory-repeated-member.json", "", "3:48", "warning",
@@ -454,7 +456,8 @@ TEST(CheckCommand, HelpStatesTheExitStatusesAndEndsWithAnExample) {
     }
     last = last.substr(last.rfind('\n') + 1);
     EXPECT_EQ(last.rfind("  pallix check ", 0), 0u) << last;
-    EXPECT_NE(result.output.find("\nExample:\n  pallix check "), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("\nExample:\n  pallix check "), std::string::npos)
+        << result.output;
 }
 
 // --config-dir: every file of a configuration directory that the library reads, as its kind.

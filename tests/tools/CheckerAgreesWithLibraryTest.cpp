@@ -785,6 +785,16 @@ std::vector<Agreement> agreements() {
              PRuntimeFactory store;
              EXPECT_TRUE(store.empty());
          }},
+        {"factory-number-overflow.json",
+         "",
+         2,
+         {{3, 33, "error", "number overflow parsing '1e400'"}},
+         [](const std::string& path) {
+             ConfigDirectory directory;
+             place(path, directory.file("Factory.json"));
+             PRuntimeFactory store;
+             EXPECT_TRUE(store.empty());
+         }},
         {"factory-not-hexadecimal.json",
          "",
          1,
