@@ -2,6 +2,7 @@
 // ships. The library itself is silent by design (a malformed table is simply empty).
 
 #include "Commands.h"
+#include "Directories.h"
 #include "Failure.h"
 #include "ToolOutput.h"
 
@@ -80,12 +81,9 @@ int runCheck(const CheckOptions& options) {
         Json findings = reportFindings(file, options.json, errors, warnings);
         report.push_back({{"file", file.path()}, {"findings", std::move(findings)}});
     }
-    if (options.json) {
-        printJson(report);
-    } else {
-        std::cout << plural(checked, "file") << " checked: " << plural(errors, "error") << ", "
-                  << plural(warnings, "warning") << '\n';
-    }
+    printAnswer(options.json, report,
+                plural(checked, "file") + " checked: " + plural(errors, "error") + ", " +
+                    plural(warnings, "warning"));
     return cannotCheck ? 2 : errors + warnings > 0 ? 1 : 0;
 }
 
@@ -112,7 +110,7 @@ void registerCheckCommands(CLI::App& app) {
             "Exit status: 0 every file is clean; 1 some file has findings (errors or warnings); 2 "
             "a usage error, or a file that cannot be read at all (missing, not a regular file, "
             "unreadable, not well-formed XML or JSON, or of a kind that cannot be told).",
-            "pallix check --config-dir \"$HOME/.config/TolVane\" cloud.xml");
+            "pallix check --config-dir " + kOwnConfigDirectory + " cloud.xml");
     command->callback([options] { exitStatus() = runCheck(*options); });
 }
 

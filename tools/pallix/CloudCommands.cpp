@@ -109,15 +109,16 @@ nlohmann::json toJson(const PRuntimeCloudDeviceProcessItem& rule) {
             {"name", rule.name().toStdString()}};
 }
 
-// ... and as text.
-std::string describe(const PRuntimeCloudApplicationHash& entry) {
-    return "  " + entry.name().toStdString() + "\n    digest:  " + orNone(entry.hash()) +
-           "\n    address: " + orNone(entry.url()) + "\n";
+// ... and as text: a reference file under its name, a package under its version.
+template <typename File> std::string describe(const NString& title, const File& file) {
+    return "  " + title.toStdString() + "\n    digest:  " + orNone(file.hash()) +
+           "\n    address: " + orNone(file.url()) + "\n";
 }
-
+std::string describe(const PRuntimeCloudApplicationHash& entry) {
+    return describe(entry.name(), entry);
+}
 std::string describe(const PRuntimeCloudDevicePluginsItem& item) {
-    return "  " + item.version().toStdString() + "\n    digest:  " + orNone(item.hash()) +
-           "\n    address: " + orNone(item.url()) + "\n";
+    return describe(item.version(), item);
 }
 
 std::string describe(const PRuntimeCloudDeviceProcessItem& rule) {

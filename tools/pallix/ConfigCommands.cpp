@@ -123,7 +123,7 @@ void registerConfigCommands(CLI::App& app) {
             format::kLegacyConfigurationFile +
             " once; a change is saved at once, and a command that changes nothing writes "
             "nothing.",
-        std::string("pallix config --config-dir ~/.config/TolVane show\npallix config set ") +
+        "pallix config --config-dir " + kOwnConfigDirectory + " show\npallix config set " +
             cfg::kDownloadMaxSpeed + " 1048576",
         "0 success; 1 not found, or a change that could not be written");
     group.require_subcommand(1);

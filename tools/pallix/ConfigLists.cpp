@@ -9,8 +9,7 @@
 #include "NFileSystem.h"
 #include "PRuntimeConfig.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <charconv>
 #include <functional>
 #include <iostream>
 #include <optional>
@@ -133,14 +132,8 @@ std::string usage(const List& list, bool withLocation) {
 // The shortest text that reads back as the same number, so that a listed place can be given
 // back to "remove", which compares coordinates exactly.
 std::string numberText(double value) {
-    char buffer[64];
-    for (int precision = 1; precision <= 17; ++precision) {
-        std::snprintf(buffer, sizeof buffer, "%.*g", precision, value);
-        if (std::strtod(buffer, nullptr) == value) {
-            break;
-        }
-    }
-    return buffer;
+    char buffer[32];
+    return std::string(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
 }
 
 double coordinate(const char* which, const std::string& text) {

@@ -287,11 +287,7 @@ void get(const ConfigOptions& options, const std::string& text) {
         failNotFound(text + ": not found; the configuration holds no such name" +
                      didYouMean(key.name, names));
     }
-    if (options.json) {
-        printJson(json{{"key", text}, {"value", *value}});
-    } else {
-        std::cout << plainText(*value) << '\n';
-    }
+    printAnswer(options.json, {{"key", text}, {"value", *value}}, plainText(*value));
 }
 
 void set(const ConfigOptions& options, const std::string& text, const std::string& valueText) {

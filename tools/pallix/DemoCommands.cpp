@@ -24,10 +24,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iomanip>
 #include <iostream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -117,33 +115,18 @@ std::string prepareConfigDirectory(const std::string& requested) {
     return useConfigDirectory(error ? directory : canonical);
 }
 
+// In lower-case hexadecimal; empty when the file cannot be read.
 std::string md5Of(const std::string& path) {
     QFile file(QString::fromStdString(path));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return std::string();
-    }
-    QCryptographicHash hash(QCryptographicHash::Md5);
-    hash.addData(&file);
-    return hash.result().toHex().toStdString();
-}
-
-std::string lowerCase(std::string text) {
-    for (char& c : text) {
-        c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-    }
-    return text;
-}
-
-std::string hex(unsigned int value, int width) {
-    std::ostringstream text;
-    text << "0x" << std::uppercase << std::hex << std::setw(width) << std::setfill('0') << value;
-    return text.str();
+    return file.open(QIODevice::ReadOnly)
+               ? QCryptographicHash::hash(file.readAll(), QCryptographicHash::Md5)
+                     .toHex()
+                     .toStdString()
+               : std::string();
 }
 
 std::string coordinates(double longitude, double latitude) {
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(6) << longitude << ", " << latitude;
-    return text.str();
+    return NString::format("%.6f, %.6f", longitude, latitude).toStdString();
 }
 
 // The sample reference tables: the cloud document's entry for each, and how the library loads it.
@@ -220,7 +203,8 @@ void loadCloudDocument(DemoPrinter& out, const std::string& samples) {
         const PRuntimeCloudApplicationHash entry = (cloud->*table.lookup)();
         out.line(std::string(table.entry) + ": " + entry.url().toStdString());
         const std::string actual = md5Of(samples + "/" + table.file);
-        if (entry.name().exist() && lowerCase(entry.hash().toStdString()) == actual) {
+        if (entry.name().exist() &&
+            QString::fromStdString(entry.hash().toStdString()).toLower().toStdString() == actual) {
             out.good(std::string(table.file) + " matches its digest " + entry.hash().toStdString());
         } else {
             out.bad(std::string(table.file) + " has MD5 " + actual + ", the document says " +
@@ -259,7 +243,8 @@ void identifyDevices(DemoPrinter& out) {
         recovery.setCpid(device.chip);
         recovery.setBdid(device.board);
         PRuntimeInfoCpid row;
-        const std::string who = "chip " + hex(device.chip, 4) + " board " + hex(device.board, 2);
+        const std::string who =
+            NString::format("chip 0x%04X board 0x%02X", device.chip, device.board).toStdString();
         const bool found = PRuntime::getInstance()->cpid()->find(recovery, row);
         if (found != device.known) {
             out.bad(who + ": unexpected answer");

@@ -15,11 +15,13 @@
 
 namespace pallix::tool {
 
+const std::string kOwnConfigDirectory = "~/.config/TolVane";
+
 namespace {
 
-const char* const kConfigHelp =
-    "The configuration directory (default: the application's own, \"TolVane\" under "
-    "$XDG_CONFIG_HOME or ~/.config; on macOS under ~/Library/Application Support)";
+const std::string kConfigHelp =
+    "The configuration directory (default: the application's own, " + kOwnConfigDirectory +
+    ", or under $XDG_CONFIG_HOME when it is set; on macOS under ~/Library/Application Support)";
 const std::string kResourcesHelp =
     std::string("The resources directory, holding ") + pallix::format::kVersionFile +
     " with the running version (default: the application's own, beside the program)";

@@ -14,6 +14,10 @@ struct Directories {
     std::string resources; // empty: the application's own
 };
 
+// The application's own configuration directory on Linux, as the help texts and examples write
+// it. (Asking the application for it would create it.)
+extern const std::string kOwnConfigDirectory;
+
 void addConfigDirectoryOption(CLI::App& command, std::string& directory);
 void addResourcesDirectoryOption(CLI::App& command, std::string& directory);
 

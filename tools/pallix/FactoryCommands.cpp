@@ -213,7 +213,7 @@ void registerFactoryCommands(CLI::App& app) {
 
     shareConfigDirectory(*factory, options->configDirectory);
     finishHelp(*factory, "0 done; 1 not found or not written; 2 usage error or unreadable file",
-               "pallix factory --config-dir ~/.config/TolVane list --json");
+               "pallix factory --config-dir " + kOwnConfigDirectory + " list --json");
     finishHelp(*list, "0 listed; 2 the file cannot be read", "pallix factory list");
     finishHelp(*add,
                "0 added, replaced or already there; 1 not written; 2 usage error or "

@@ -41,17 +41,10 @@ struct NotifyOptions {
 };
 
 std::string flagsOf(const PRuntimeNotifyItem& item) {
-    std::string flags;
-    const auto add = [&](bool set, const char* name) {
-        if (set) {
-            flags += flags.empty() ? name : std::string(",") + name;
-        }
-    };
-    add(item.isPopup(), "popup");
-    add(item.isAlreadyRead(), "read");
-    add(item.isAlreadyPopup(), "shown");
-    add(item.isRemove(), "removed");
-    return flags.empty() ? "-" : flags;
+    const std::string flags =
+        std::string(item.isPopup() ? ",popup" : "") + (item.isAlreadyRead() ? ",read" : "") +
+        (item.isAlreadyPopup() ? ",shown" : "") + (item.isRemove() ? ",removed" : "");
+    return flags.empty() ? "-" : flags.substr(1);
 }
 
 bool sameItem(const PRuntimeNotifyItem& a, const PRuntimeNotifyItem& b) {
@@ -205,7 +198,7 @@ void registerNotifyCommands(CLI::App& app) {
 
     shareConfigDirectory(*notify, options->configDirectory);
     finishHelp(*notify, "0 done; 1 not found or not written; 2 usage error or unreadable file",
-               "pallix notify --config-dir ~/.config/TolVane list --json");
+               "pallix notify --config-dir " + kOwnConfigDirectory + " list --json");
     finishHelp(*list, "0 listed; 2 the file cannot be read", "pallix notify list --json");
     finishHelp(*add,
                "0 added, replaced or already there; 1 not written; 2 usage error or "

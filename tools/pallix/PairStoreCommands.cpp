@@ -105,11 +105,8 @@ template <typename Store> void find(const PairWords& words, const PairOptions& o
     if (!value) {
         failNotFound(options.key + words.unmatched);
     }
-    if (options.json) {
-        printJson({{words.key, options.key}, {words.value, *value}});
-    } else {
-        printFields({*value});
-    }
+    printAnswer(options.json, {{words.key, options.key}, {words.value, *value}},
+                escapeField(*value));
 }
 
 template <typename Store> void add(const PairWords& words, const PairOptions& options) {
@@ -177,7 +174,7 @@ template <typename Store> void registerPairStore(CLI::App& app, const PairWords&
     const std::string pallix = std::string("pallix ") + words.command;
     const std::string unreadable = "2 usage error or unreadable file";
     finishHelp(*group, "0 done; 1 not found or not written; " + unreadable,
-               pallix + " --config-dir ~/.config/TolVane list --json");
+               pallix + " --config-dir " + kOwnConfigDirectory + " list --json");
     finishHelp(*listing, "0 listed; 2 the file cannot be read", pallix + " list");
     finishHelp(*finding, "0 found; 1 not " + std::string(words.verb) + "; " + unreadable,
                pallix + " find " + words.example + " --json");

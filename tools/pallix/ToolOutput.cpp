@@ -35,38 +35,31 @@ void printJson(const nlohmann::ordered_json& document) {
 
 std::string escapeField(const std::string& field) {
     std::string escaped;
-    escaped.reserve(field.size());
     for (char c : field) {
-        switch (c) {
-        case '\t':
-            escaped += "\\t";
-            break;
-        case '\n':
-            escaped += "\\n";
-            break;
-        case '\r':
-            escaped += "\\r";
-            break;
-        case '\\':
-            escaped += "\\\\";
-            break;
-        default:
-            escaped += c;
-        }
+        const char* escape = c == '\t'   ? "\\t"
+                             : c == '\n' ? "\\n"
+                             : c == '\r' ? "\\r"
+                             : c == '\\' ? "\\\\"
+                                         : nullptr;
+        escaped += escape != nullptr ? std::string(escape) : std::string(1, c);
     }
     return escaped;
 }
 
 void printFields(const std::vector<std::string>& fields) {
     std::string line;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (i > 0) {
-            line += '\t';
-        }
-        line += escapeField(fields[i]);
+    for (const std::string& field : fields) {
+        line += (&field == &fields.front() ? "" : "\t") + escapeField(field);
     }
-    line += '\n';
-    std::cout << line;
+    std::cout << line << '\n';
+}
+
+void printAnswer(bool json, const nlohmann::ordered_json& document, const std::string& text) {
+    if (json) {
+        printJson(document);
+    } else {
+        std::cout << text << '\n';
+    }
 }
 
 nlohmann::ordered_json reportFindings(const check::SourceFile& file, bool json, std::size_t& errors,

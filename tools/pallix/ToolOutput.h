@@ -27,6 +27,8 @@ void addJsonFlag(CLI::App& command, bool& json);
 // not UTF-8 (a file's bytes may be anything) is printed with U+FFFD in place of the bad bytes.
 // Members keep the order in which they were added (a nlohmann::json converts, sorted by name).
 void printJson(const nlohmann::ordered_json& document);
+// Prints `document` with `json`, else `text` and a line feed: the two forms of one answer.
+void printAnswer(bool json, const nlohmann::ordered_json& document, const std::string& text);
 
 // One line of tab-separated fields. A tab, line feed, carriage return or backslash inside a
 // field is written as \t, \n, \r or \\, so that every line is one record.

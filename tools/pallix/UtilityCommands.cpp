@@ -23,29 +23,18 @@ namespace pallix::tool {
 namespace {
 
 // The root is created for one subcommand and freed again when it ends.
-class RootScope {
-public:
-    RootScope() : m_root(PRuntime::getInstance()) {
-        if (m_root == nullptr) {
+struct RootScope {
+    PRuntime* root = PRuntime::getInstance();
+
+    RootScope() {
+        if (root == nullptr || root->string() == nullptr || root->location() == nullptr) {
+            PRuntime::freeInstance();
             failRejected("the runtime root could not be created");
         }
     }
     ~RootScope() { PRuntime::freeInstance(); }
-    RootScope(const RootScope&) = delete;
-    RootScope& operator=(const RootScope&) = delete;
-
-    PRuntimeString& strings() { return *require(m_root->string()); }
-    PRuntimeLocation& location() { return *require(m_root->location()); }
-
-private:
-    template <typename Component> static Component* require(Component* component) {
-        if (component == nullptr) {
-            failRejected("the runtime component could not be created");
-        }
-        return component;
-    }
-
-    PRuntime* m_root;
+    PRuntimeString& strings() { return *root->string(); }
+    PRuntimeLocation& location() { return *root->location(); }
 };
 
 std::string toText(const QString& text) {
@@ -84,11 +73,7 @@ void registerSize(CLI::App& app) {
         RootScope scope;
         const std::string text =
             toText(scope.strings().stringFromSize(*bytes, options->precision, options->spaced));
-        if (options->json) {
-            printJson(nlohmann::ordered_json{{"bytes", *bytes}, {"text", text}});
-        } else {
-            std::cout << text << '\n';
-        }
+        printAnswer(options->json, {{"bytes", *bytes}, {"text", text}}, text);
     });
 }
 
@@ -186,15 +171,13 @@ void registerCoord(CLI::App& app) {
         double latitude = parseDegrees("latitude", options->latitude);
         RootScope scope;
         convert(scope.location(), source, target, options->exactInverse, longitude, latitude);
-        if (options->json) {
-            printJson(nlohmann::ordered_json{{"from", options->from},
-                                             {"to", options->to},
-                                             {"longitude", longitude},
-                                             {"latitude", latitude}});
-        } else {
-            std::cout << formatDegrees(longitude, options->exact) << ' '
-                      << formatDegrees(latitude, options->exact) << '\n';
-        }
+        printAnswer(options->json,
+                    {{"from", options->from},
+                     {"to", options->to},
+                     {"longitude", longitude},
+                     {"latitude", latitude}},
+                    formatDegrees(longitude, options->exact) + ' ' +
+                        formatDegrees(latitude, options->exact));
     });
 }
 
@@ -224,12 +207,8 @@ void registerDate(CLI::App& app) {
         RootScope scope;
         const std::string date = toText(scope.strings().secondToString(*seconds));
         const long long dayStart = scope.strings().secondToDay(*seconds);
-        if (options->json) {
-            printJson(nlohmann::ordered_json{
-                {"seconds", *seconds}, {"date", date}, {"dayStart", dayStart}});
-        } else {
-            std::cout << "date: " << date << '\n' << "day starts at: " << dayStart << '\n';
-        }
+        printAnswer(options->json, {{"seconds", *seconds}, {"date", date}, {"dayStart", dayStart}},
+                    "date: " + date + "\nday starts at: " + std::to_string(dayStart));
     });
 }
 
@@ -253,11 +232,7 @@ void registerPassword(CLI::App& app) {
         RootScope scope;
         const bool accepted = scope.strings().passwordMatch(
             _8DED8C8F_6CBD_1C36_CF6E_06CEC0522A4B(NString(options->text)));
-        if (options->json) {
-            printJson(nlohmann::ordered_json{{"accepted", accepted}});
-        } else {
-            std::cout << (accepted ? "accepted" : "rejected") << '\n';
-        }
+        printAnswer(options->json, {{"accepted", accepted}}, accepted ? "accepted" : "rejected");
         // A rejection is the command's answer, not an error: it prints no message.
         exitStatus() = accepted ? kSuccess : kRejected;
     });

@@ -2,7 +2,9 @@
 // its subcommands; they all go through the library's public interface.
 
 #include "Commands.h"
+#include "Directories.h"
 #include "Failure.h"
+#include "FileNames.h"
 #include "Suggestion.h"
 #include "ToolOutput.h"
 
@@ -75,8 +77,6 @@ std::string firstUnexpected(const std::string& message) {
     return rest.substr(0, rest.find(' '));
 }
 
-// A usage error in the words of CLI11, with a suggestion where a word was mistyped and a
-// pointer to the help of the command that was reached.
 // The first word on the command line after the command that was reached, skipping options and
 // their values: what a group that requires an action was given instead of one.
 std::string firstWordAfter(const CLI::App& command, const std::vector<std::string>& arguments) {
@@ -106,6 +106,8 @@ std::string firstWordAfter(const CLI::App& command, const std::vector<std::strin
     return std::string();
 }
 
+// A usage error in the words of CLI11, with a suggestion where a word was mistyped and a
+// pointer to the help of the command that was reached.
 int reportUsageError(const CLI::App& app, const CLI::ParseError& error,
                      const std::vector<std::string>& arguments) {
     const CLI::App& command = *innermostCommand(app);
@@ -117,11 +119,8 @@ int reportUsageError(const CLI::App& app, const CLI::ParseError& error,
     if (word.empty() && error.get_name() == "RequiredError" && !actions.empty()) {
         word = firstWordAfter(command, arguments);
         if (word.empty()) {
-            std::string list;
-            for (const std::string& action : actions) {
-                list += (list.empty() ? "" : ", ") + action;
-            }
-            message = commandPrefix(command) + "an action is required (" + list + ")";
+            message = commandPrefix(command) + "an action is required (" +
+                      pallix::tool::joined(actions) + ")";
         }
     }
     if (!word.empty()) {
@@ -184,18 +183,15 @@ int main(int argc, char** argv) {
     std::vector<std::string> helpWords;
     registerHelpCommand(app, helpWords);
     // Set last: subcommands take their parent's footer when they are added.
-    pallix::tool::setExample(app,
-                             "pallix help check\npallix check ~/.config/TolVane/configure.xml");
+    pallix::tool::setExample(app, "pallix help check\npallix check " +
+                                      pallix::tool::kOwnConfigDirectory + "/" +
+                                      pallix::format::kConfigurationFile);
     app.footer(app.get_footer() + "\n" + kExitStatuses + "\n");
 
     try {
         app.parse(argc, argv);
-    } catch (const CLI::CallForHelp& help) {
-        return app.exit(help);
-    } catch (const CLI::CallForAllHelp& help) {
-        return app.exit(help);
-    } catch (const CLI::CallForVersion& version) {
-        return app.exit(version);
+    } catch (const CLI::Success& helpOrVersion) {
+        return app.exit(helpOrVersion);
     } catch (const CLI::ParseError& error) {
         return reportUsageError(app, error, std::vector<std::string>(argv + 1, argv + argc));
     } catch (const pallix::tool::Failure& failure) {
