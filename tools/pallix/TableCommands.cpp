@@ -174,12 +174,15 @@ void runMapping(const Lookup& lookup) {
     answer(lookup, {{"version", lookup.query}}, fields, "version \"" + lookup.query + "\"");
 }
 
-// Adds a lookup subcommand with TABLE and --json; the caller adds the query's arguments.
+// Adds a lookup subcommand with TABLE and --json, its help ending with what --json prints
+// (`json`), the exit statuses and the example; the caller adds the query's arguments.
 CLI::App* addLookup(CLI::App& app, const char* name, const char* description, const char* tableHelp,
-                    const std::shared_ptr<Lookup>& lookup, void (*run)(const Lookup&)) {
+                    const std::shared_ptr<Lookup>& lookup, void (*run)(const Lookup&),
+                    const std::string& json, const std::string& example) {
     CLI::App* command = app.add_subcommand(name, description);
     command->add_option("TABLE", lookup->table, tableHelp)->required();
     addJsonFlag(*command, lookup->json);
+    endHelp(*command, "With --json: " + json + ".\n" + kStatuses, example);
     command->callback([lookup, run] { run(*lookup); });
     return command;
 }
@@ -188,55 +191,47 @@ CLI::App* addLookup(CLI::App& app, const char* name, const char* description, co
 
 void registerTableCommands(CLI::App& app) {
     auto cpid = std::make_shared<Lookup>();
-    CLI::App* command =
-        addLookup(app, "cpid", "Find the device model of a chip and board identifier",
-                  "Chip identifier table", cpid, runCpid);
+    CLI::App* command = addLookup(
+        app, "cpid", "Find the device model of a chip and board identifier",
+        "Chip identifier table", cpid, runCpid,
+        "{\"chip\": NUMBER, \"board\": NUMBER, \"boardDefault\": BOOL (the row is the chip's "
+        "board 00 row), \"found\": BOOL, \"row\": {\"cpid\", \"bdid\", \"mode\", \"network\", "
+        "\"product\": TEXT, \"support\": BOOL} or null}",
+        "pallix cpid samples/cpid.xml 0x8101 0x0C");
     command->add_option("CHIP", cpid->query, "Chip identifier, decimal or 0x hexadecimal")
         ->required();
     command->add_option("BOARD", cpid->board, "Board identifier, decimal or 0x hexadecimal")
         ->required();
-    endHelp(*command,
-            "With --json: {\"chip\": NUMBER, \"board\": NUMBER, \"boardDefault\": BOOL (the row "
-            "is the chip's board 00 row), \"found\": BOOL, \"row\": {\"cpid\", \"bdid\", \"mode\", "
-            "\"network\", \"product\": TEXT, \"support\": BOOL} or null}.\n" +
-                std::string(kStatuses),
-            "pallix cpid samples/cpid.xml 0x8101 0x0C");
 
     auto crash = std::make_shared<Lookup>();
     command = addLookup(app, "crash", "Find the reason and solution of a failure text",
-                        "Crash code table", crash, runCrash);
+                        "Crash code table", crash, runCrash,
+                        "{\"text\": TEXT, \"found\": BOOL, \"row\": {\"key\", \"reason\", "
+                        "\"solution\": TEXT} or null}",
+                        "pallix crash samples/crash.xml AMRestore");
     command->add_option("TEXT", crash->query, "Failure text or key fragment (case ignored)")
         ->required();
-    endHelp(*command,
-            "With --json: {\"text\": TEXT, \"found\": BOOL, \"row\": {\"key\", \"reason\", "
-            "\"solution\": TEXT} or null}.\n" +
-                std::string(kStatuses),
-            "pallix crash samples/crash.xml AMRestore");
 
     auto restore = std::make_shared<Lookup>();
     command =
         addLookup(app, "restore-error", "Find the description and solution of a restore error code",
-                  "Restore error table", restore, runRestoreError);
+                  "Restore error table", restore, runRestoreError,
+                  "{\"code\": NUMBER, \"found\": BOOL, \"row\": {\"code\": NUMBER, "
+                  "\"describe\", \"solution\": TEXT} or null}",
+                  "pallix restore-error samples/restore-error.xml -35");
     command
         ->add_option("CODE", restore->query,
                      "Error code (signed 64-bit), decimal or 0x hexadecimal, with an optional "
                      "minus")
         ->required();
-    endHelp(*command,
-            "With --json: {\"code\": NUMBER, \"found\": BOOL, \"row\": {\"code\": NUMBER, "
-            "\"describe\", \"solution\": TEXT} or null}.\n" +
-                std::string(kStatuses),
-            "pallix restore-error samples/restore-error.xml -35");
 
     auto mapping = std::make_shared<Lookup>();
-    command = addLookup(app, "mapping", "Find the plug-in version that a version is mapped to",
-                        "Plug-in mapping table", mapping, runMapping);
+    command = addLookup(
+        app, "mapping", "Find the plug-in version that a version is mapped to",
+        "Plug-in mapping table", mapping, runMapping,
+        "{\"version\": TEXT, \"found\": BOOL, \"row\": {\"version\", \"mapping\": TEXT} or null}",
+        "pallix mapping samples/plugin-mapping.xml 16.4.1");
     command->add_option("VERSION", mapping->query, "Version text, matched exactly")->required();
-    endHelp(*command,
-            "With --json: {\"version\": TEXT, \"found\": BOOL, \"row\": {\"version\", "
-            "\"mapping\": TEXT} or null}.\n" +
-                std::string(kStatuses),
-            "pallix mapping samples/plugin-mapping.xml 16.4.1");
 }
 
 } // namespace pallix::tool
