@@ -211,12 +211,14 @@ TEST(TablesLoadProperty, EachVersionHasItsFirstCompleteMapping) {
     for (unsigned int seed = 1; seed <= kSeeds; ++seed) {
         std::mt19937 random(seed);
         std::map<std::string, std::string> expected;
-        std::vector<std::string> versions = {"", "1", "x"};
+        std::vector<std::string> versions = {"", "1", "x", "16.4.1.b", "16.4.1.b1"};
         std::string xml = "<Nevor>\n";
         for (unsigned int i = random() % 60; i > 0; --i) {
             // Versions out of order ("10.10" sorts before "10.9"), repeated, with bytes above
-            // 0x7F, empty or missing; mappings empty or missing now and then.
-            std::string version = std::to_string(random() % 3 + 9) + "." +
+            // 0x7F, longer than eight bytes and alike in their first eight, empty or missing;
+            // mappings empty or missing now and then.
+            std::string version = std::string(random() % 4 == 0 ? "16.4.1.b" : "") +
+                                  std::to_string(random() % 3 + 9) + "." +
                                   std::to_string(random() % 12) +
                                   (random() % 6 == 0 ? "\xC3\xA9" : "");
             if (random() % 15 == 0) {
