@@ -73,7 +73,7 @@ Json parse(const std::string& text, std::vector<JsonName>& names) {
 // accepts every value and keeps what the parser says on stopping.
 struct ParserStop : nlohmann::json_sax<Json> {
     std::size_t offset = 0;
-    std::string reason;
+    std::string reason = "the parser stopped";
 
     bool null() override { return true; }
     bool boolean(bool) override { return true; }
@@ -99,9 +99,9 @@ struct ParserStop : nlohmann::json_sax<Json> {
         const std::string what = error.what();
         const std::size_t prefix = what.find("] ");
         reason = what.substr(prefix == std::string::npos ? 0 : prefix + 2);
-        const std::size_t located = reason.find(", column ");
+        const std::size_t located = reason.find(": ", reason.find(", column "));
         if (reason.rfind("parse error", 0) == 0 && located != std::string::npos) {
-            reason = reason.substr(reason.find(": ", located) + 2);
+            reason = reason.substr(located + 2);
         }
         return false;
     }
