@@ -73,13 +73,11 @@ bool PRuntimeCpid::format(const NString& path) {
             }
             // Only elements are rows; text between them is not.
             const pugi::xml_node root = document.child(format::kRoot);
-            for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
-                if (item.type() == pugi::node_element) {
-                    withRow(item, [this](auto&&... values) {
-                        append(PRuntimeInfoCpid(std::forward<decltype(values)>(values)...));
-                    });
-                }
-            }
+            pallix::tables::forEachRow(root, [&](const pugi::xml_node& item) {
+                withRow(item, [this](auto&&... values) {
+                    append(PRuntimeInfoCpid(std::forward<decltype(values)>(values)...));
+                });
+            });
             return true;
         }
         // What the appends would do, without copying each row: the rows are built in their
@@ -92,13 +90,11 @@ bool PRuntimeCpid::format(const NString& path) {
         }
         const pugi::xml_node root = document.child(format::kRoot);
         m_rows.reserve(pallix::tables::rowCount(root));
-        for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
-            if (item.type() == pugi::node_element) {
-                withRow(item, [this](auto&&... values) {
-                    m_rows.emplace_back(std::forward<decltype(values)>(values)...);
-                });
-            }
-        }
+        pallix::tables::forEachRow(root, [&](const pugi::xml_node& item) {
+            withRow(item, [this](auto&&... values) {
+                m_rows.emplace_back(std::forward<decltype(values)>(values)...);
+            });
+        });
         index.reset(m_rows.size());
         for (const PRuntimeInfoCpid& row : m_rows) {
             index.add(row.cpid(), row.bdid());

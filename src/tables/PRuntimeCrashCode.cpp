@@ -44,13 +44,11 @@ bool PRuntimeCrashCode::format(const NString& path) {
             // Only elements are rows: stray text would otherwise become a row with an empty
             // key, which matches every query.
             const pugi::xml_node root = document.child(format::kRoot);
-            for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
-                if (item.type() == pugi::node_element) {
-                    withRow(item, [this](auto&&... values) {
-                        append(PRuntimeInfoCrash(std::forward<decltype(values)>(values)...));
-                    });
-                }
-            }
+            pallix::tables::forEachRow(root, [&](const pugi::xml_node& item) {
+                withRow(item, [this](auto&&... values) {
+                    append(PRuntimeInfoCrash(std::forward<decltype(values)>(values)...));
+                });
+            });
             return true;
         }
         // What the appends would do, without copying each row: the rows are built in place.
@@ -61,13 +59,11 @@ bool PRuntimeCrashCode::format(const NString& path) {
         }
         const pugi::xml_node root = document.child(format::kRoot);
         m_rows.reserve(pallix::tables::rowCount(root));
-        for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
-            if (item.type() == pugi::node_element) {
-                withRow(item, [this](auto&&... values) {
-                    m_rows.emplace_back(std::forward<decltype(values)>(values)...);
-                });
-            }
-        }
+        pallix::tables::forEachRow(root, [&](const pugi::xml_node& item) {
+            withRow(item, [this](auto&&... values) {
+                m_rows.emplace_back(std::forward<decltype(values)>(values)...);
+            });
+        });
         return true;
     });
 }

@@ -58,21 +58,17 @@ bool PRuntimePluginMapping::format(const NString& path) {
         const pugi::xml_node root = document.child(format::kRoot);
         std::vector<Entry> entries;
         entries.reserve(pallix::tables::rowCount(root));
-        for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
-            if (item.type() != pugi::node_element) {
-                continue;
-            }
+        pallix::tables::forEachRow(root, [&entries](const pugi::xml_node& item) {
             const char* texts[std::size(kAttributes)] = {"", ""};
             pallix::tables::readAttributes(
                 item, kAttributes, [&texts](std::size_t name, const pugi::xml_attribute& value) {
                     texts[name] = value.as_string();
                 });
             // A half-written entry would map a version to nothing; such entries are skipped.
-            if (*texts[kVersion] == '\0' || *texts[kMapping] == '\0') {
-                continue;
+            if (*texts[kVersion] != '\0' && *texts[kMapping] != '\0') {
+                entries.push_back({texts[kVersion], std::strlen(texts[kVersion]), texts[kMapping]});
             }
-            entries.push_back({texts[kVersion], std::strlen(texts[kVersion]), texts[kMapping]});
-        }
+        });
         // Sorted into the map's order, the file's order kept among equal versions so that the
         // first one stays: each mapping then goes in at the end without a search, and the sort
         // compares in place what the map's search would compare through calls.

@@ -51,14 +51,12 @@ bool PRuntimeRestoreError::format(const NString& path) {
                 return false;
             }
             const pugi::xml_node root = document.child(format::kRoot);
-            for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
-                if (item.type() == pugi::node_element) {
-                    withRow(item, [this](long long code, NString&& describe, NString&& solution) {
-                        append(PRuntimeInfoRestoreError(code, std::move(describe),
-                                                        std::move(solution)));
-                    });
-                }
-            }
+            pallix::tables::forEachRow(root, [&](const pugi::xml_node& item) {
+                withRow(item, [this](long long code, NString&& describe, NString&& solution) {
+                    append(
+                        PRuntimeInfoRestoreError(code, std::move(describe), std::move(solution)));
+                });
+            });
             return true;
         }
         // What the appends would do, without copying each row: a row is built in its node,
@@ -70,14 +68,12 @@ bool PRuntimeRestoreError::format(const NString& path) {
             return false;
         }
         const pugi::xml_node root = document.child(format::kRoot);
-        for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
-            if (item.type() == pugi::node_element) {
-                withRow(item, [this](long long code, NString&& describe, NString&& solution) {
-                    m_rows.try_emplace(m_rows.end(), code, code, std::move(describe),
-                                       std::move(solution));
-                });
-            }
-        }
+        pallix::tables::forEachRow(root, [&](const pugi::xml_node& item) {
+            withRow(item, [this](long long code, NString&& describe, NString&& solution) {
+                m_rows.try_emplace(m_rows.end(), code, code, std::move(describe),
+                                   std::move(solution));
+            });
+        });
         return true;
     });
 }

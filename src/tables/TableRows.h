@@ -54,12 +54,19 @@ void readAttributes(const pugi::xml_node& row, const char* const (&names)[N], Ta
     }
 }
 
-// The rows below a table's root: its child elements, whatever their names.
+// Hands each row below a table's root to `take`: its child elements, whatever their names.
+// Text, comments and the like between them are not rows.
+template <typename Take> void forEachRow(const pugi::xml_node& root, Take&& take) {
+    for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
+        if (item.type() == pugi::node_element) {
+            take(item);
+        }
+    }
+}
+
 inline std::size_t rowCount(const pugi::xml_node& root) {
     std::size_t count = 0;
-    for (pugi::xml_node item = root.first_child(); item; item = item.next_sibling()) {
-        count += item.type() == pugi::node_element ? 1 : 0;
-    }
+    forEachRow(root, [&count](const pugi::xml_node&) { ++count; });
     return count;
 }
 
