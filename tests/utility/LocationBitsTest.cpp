@@ -4,6 +4,7 @@
 // bit of a result, the sign and payload of a NaN included. The reference (LocationReference.h)
 // makes every call as the formulas write it and is compiled with this test's ordinary flags.
 
+#include "DoubleBits.h"
 #include "LocationReference.h"
 
 #include "PRuntimeLocation.h"
@@ -11,30 +12,18 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdint>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
+using pallix::test::bits;
+using pallix::test::fromBits;
+using pallix::test::infinity;
+using pallix::test::notANumber;
+
 namespace {
-
-const double notANumber = std::numeric_limits<double>::quiet_NaN();
-const double infinity = std::numeric_limits<double>::infinity();
-
-std::uint64_t bits(double value) {
-    std::uint64_t result;
-    std::memcpy(&result, &value, sizeof result);
-    return result;
-}
-
-double fromBits(std::uint64_t value) {
-    double result;
-    std::memcpy(&result, &value, sizeof result);
-    return result;
-}
 
 // A value, one step below it and one step above it.
 void around(std::vector<double>& values, double value) {

@@ -3,6 +3,7 @@
 // in the region, and the region rule, the special values and null pointers behave as in
 // GCJ02_TO_WGS84.
 
+#include "DoubleBits.h"
 #include "LocationReference.h"
 #include "RegionSpy.h"
 
@@ -13,30 +14,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
-#include <limits>
 #include <random>
 #include <vector>
 
 using pallix::test::RegionSpy;
 
+using pallix::test::bits;
+using pallix::test::fromBits;
+using pallix::test::infinity;
+using pallix::test::notANumber;
+
 namespace {
-
-const double notANumber = std::numeric_limits<double>::quiet_NaN();
-const double infinity = std::numeric_limits<double>::infinity();
-
-std::uint64_t bits(double value) {
-    std::uint64_t result;
-    std::memcpy(&result, &value, sizeof result);
-    return result;
-}
-
-double fromBits(std::uint64_t value) {
-    double result;
-    std::memcpy(&result, &value, sizeof result);
-    return result;
-}
 
 reference::Point exact(const PRuntimeLocation& location, double lng, double lat) {
     location.GCJ02_TO_WGS84_EXACT(&lng, &lat);
