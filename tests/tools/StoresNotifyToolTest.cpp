@@ -75,6 +75,14 @@ TEST_F(StoreToolTest, NotifyAddWritesEveryFieldAndListShowsThem) {
                              "https://example.invalid/n?a=1\n");
 }
 
+// CLI11 reads a leading 0 as octal; the numbers of a notification are decimal.
+TEST_F(StoreToolTest, NotifyNumbersWithLeadingZerosAreDecimal) {
+    const ToolResult added = notify({"add", "010", "--user", "073", "--time", "-010"});
+    EXPECT_EQ(added.status, 0) << added.errors;
+    EXPECT_EQ(added.output, "added notification 10\n");
+    EXPECT_EQ(notify({"list"}).output, "10\t73\t-10\t-\t\t\n");
+}
+
 TEST_F(StoreToolTest, NotifyListGoesByIdAndShowsTheDash) {
     ASSERT_EQ(notify({"add", "20", "--title", "twenty"}).status, 0);
     ASSERT_EQ(notify({"add", "3", "--title", "three"}).status, 0);

@@ -139,6 +139,15 @@ TEST(ToolCpid, NumbersUpToTheLargestUnsignedIntAreLookedUp) {
         << result.output;
 }
 
+// CLI11 reads a leading 0 as octal; 010 is board ten (0A), not eight (08).
+TEST(ToolCpid, LeadingZerosAreDecimal) {
+    const ToolResult result = runTool({"cpid", sample("cpid.xml"), "0x8950", "010", "--json"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    const Json document = Json::parse(result.output);
+    EXPECT_EQ(document["board"], 10);
+    EXPECT_EQ(document["row"]["bdid"], "0A");
+}
+
 TEST(ToolCpid, NumbersAreCheckedBeforeTheTable) {
     const ToolResult result = runTool({"cpid", data("no-such-table.xml"), "x", "0"});
     EXPECT_EQ(result.status, 2);

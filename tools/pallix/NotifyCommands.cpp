@@ -175,13 +175,15 @@ void registerNotifyCommands(CLI::App& app) {
 
     CLI::App* add = notify->add_subcommand("add", "Add a notification, or replace the one "
                                                   "with the same id");
-    add->add_option("id", options->id, "Identifier")->required()->check(UnsignedUpTo(ULLONG_MAX));
+    add->add_option("id", options->id, "Identifier")
+        ->required()
+        ->transform(UnsignedUpTo(ULLONG_MAX));
     add->add_option("--title", options->title, "Text shown to the user")->check(XmlText());
     add->add_option("--url", options->url, "Address the notification opens")->check(XmlText());
     add->add_option("--user", options->user, "User it is addressed to")
-        ->check(UnsignedUpTo(ULLONG_MAX));
+        ->transform(UnsignedUpTo(ULLONG_MAX));
     add->add_option("--time", options->time, "Time of the notification, a count kept as given")
-        ->check(IntegerIn(LLONG_MIN, LLONG_MAX));
+        ->transform(IntegerIn(LLONG_MIN, LLONG_MAX));
     add->add_flag("--popup", options->popup, "To be shown as a pop-up");
     add->add_flag("--read", options->read, "Already read (and so already shown)");
     add->add_flag("--shown", options->shown, "Already shown as a pop-up (only with --read)");
@@ -192,7 +194,7 @@ void registerNotifyCommands(CLI::App& app) {
         notify->add_subcommand("remove", "Mark a notification removed (it is kept, marked)");
     remove->add_option("id", options->id, "Identifier")
         ->required()
-        ->check(UnsignedUpTo(ULLONG_MAX));
+        ->transform(UnsignedUpTo(ULLONG_MAX));
     addForceFlag(*remove, options->force);
     remove->callback([options] { notifyRemove(*options); });
 

@@ -18,7 +18,6 @@
 #include <climits>
 #include <iostream>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,10 +28,13 @@ namespace {
 const char* const kStatuses = "Exit status: 0 a row matched; 1 no row matched; 2 a usage error or "
                               "a table that cannot be read.";
 
+const char* const kDecimalOrHex = "decimal, or hexadecimal after 0x";
+
 struct Lookup {
     std::string table;
-    std::string query;
-    std::string board; // cpid only
+    std::string text;     // crash, mapping
+    long long number = 0; // cpid's chip, restore-error's code
+    long long board = 0;  // cpid
     bool json = false;
 };
 
@@ -81,18 +83,6 @@ void answer(const Lookup& lookup, nlohmann::json document, const std::vector<Fie
     }
 }
 
-long long numberArgument(const char* name, const std::string& text, long long minimum,
-                         long long maximum) {
-    const std::optional<long long> value =
-        parseInteger(text, minimum, maximum, Digits::DecimalOrHex);
-    if (!value) {
-        failUsage(std::string(name) + ": '" + text + "' is not a whole number from " +
-                  std::to_string(minimum) + " to " + std::to_string(maximum) +
-                  " (decimal, or hexadecimal after 0x)");
-    }
-    return *value;
-}
-
 // Loads the table after making sure that it is one; the library would read anything else as
 // an empty table.
 template <typename Table> void load(Table& table, const std::string& path, check::FileKind kind) {
@@ -104,9 +94,8 @@ template <typename Table> void load(Table& table, const std::string& path, check
 
 void runCpid(const Lookup& lookup) {
     // The library looks chips and boards up as unsigned int, printed in hexadecimal.
-    const auto chip = static_cast<unsigned int>(numberArgument("CHIP", lookup.query, 0, UINT_MAX));
-    const auto board =
-        static_cast<unsigned int>(numberArgument("BOARD", lookup.board, 0, UINT_MAX));
+    const auto chip = static_cast<unsigned int>(lookup.number);
+    const auto board = static_cast<unsigned int>(lookup.board);
     PRuntimeCpid table;
     load(table, lookup.table, check::FileKind::Cpid);
     // The texts that the rows are matched against, for the messages.
@@ -131,22 +120,22 @@ void runCpid(const Lookup& lookup) {
 }
 
 void runCrash(const Lookup& lookup) {
-    if (lookup.query.empty()) {
+    if (lookup.text.empty()) {
         failUsage("TEXT: an empty text matches no row");
     }
     PRuntimeCrashCode table;
     load(table, lookup.table, check::FileKind::Crash);
     std::vector<Field> fields;
-    table.find(NString(lookup.query), [&fields](const PRuntimeInfoCrash& row) {
+    table.find(NString(lookup.text), [&fields](const PRuntimeInfoCrash& row) {
         fields = {{"KEY", "key", row.key().toStdString()},
                   {"REASON", "reason", row.reason().toStdString()},
                   {"SOLUTION", "solution", row.solution().toStdString()}};
     });
-    answer(lookup, {{"text", lookup.query}}, fields, "the text \"" + lookup.query + "\"");
+    answer(lookup, {{"text", lookup.text}}, fields, "the text \"" + lookup.text + "\"");
 }
 
 void runRestoreError(const Lookup& lookup) {
-    const long long code = numberArgument("CODE", lookup.query, LLONG_MIN, LLONG_MAX);
+    const long long code = lookup.number;
     // Normally owned by the restore component; the tool needs only the table itself.
     PRuntimeRestoreError table;
     load(table, lookup.table, check::FileKind::RestoreError);
@@ -160,18 +149,18 @@ void runRestoreError(const Lookup& lookup) {
 }
 
 void runMapping(const Lookup& lookup) {
-    if (lookup.query.empty()) {
+    if (lookup.text.empty()) {
         failUsage("VERSION: the library never looks up an empty version");
     }
     PRuntimePluginMapping table;
     load(table, lookup.table, check::FileKind::Mapping);
     NString mapping;
     std::vector<Field> fields;
-    if (table.find(NString(lookup.query), mapping)) {
-        fields = {{"Version", "version", lookup.query},
+    if (table.find(NString(lookup.text), mapping)) {
+        fields = {{"Version", "version", lookup.text},
                   {"Mapping", "mapping", mapping.toStdString()}};
     }
-    answer(lookup, {{"version", lookup.query}}, fields, "version \"" + lookup.query + "\"");
+    answer(lookup, {{"version", lookup.text}}, fields, "version \"" + lookup.text + "\"");
 }
 
 // Adds a lookup subcommand with TABLE and --json, its help ending with what --json prints
@@ -198,10 +187,11 @@ void registerTableCommands(CLI::App& app) {
         "board 00 row), \"found\": BOOL, \"row\": {\"cpid\", \"bdid\", \"mode\", \"network\", "
         "\"product\": TEXT, \"support\": BOOL} or null}",
         "pallix cpid samples/cpid.xml 0x8101 0x0C");
-    command->add_option("CHIP", cpid->query, "Chip identifier, decimal or 0x hexadecimal")
-        ->required();
-    command->add_option("BOARD", cpid->board, "Board identifier, decimal or 0x hexadecimal")
-        ->required();
+    const CLI::Validator identifier = IntegerIn(0, UINT_MAX, kDecimalOrHex, Digits::DecimalOrHex);
+    command->add_option("CHIP", cpid->number, "Chip identifier")->required()->transform(identifier);
+    command->add_option("BOARD", cpid->board, "Board identifier")
+        ->required()
+        ->transform(identifier);
 
     auto crash = std::make_shared<Lookup>();
     command = addLookup(app, "crash", "Find the reason and solution of a failure text",
@@ -209,7 +199,7 @@ void registerTableCommands(CLI::App& app) {
                         "{\"text\": TEXT, \"found\": BOOL, \"row\": {\"key\", \"reason\", "
                         "\"solution\": TEXT} or null}",
                         "pallix crash samples/crash.xml AMRestore");
-    command->add_option("TEXT", crash->query, "Failure text or key fragment (case ignored)")
+    command->add_option("TEXT", crash->text, "Failure text or key fragment (case ignored)")
         ->required();
 
     auto restore = std::make_shared<Lookup>();
@@ -220,10 +210,11 @@ void registerTableCommands(CLI::App& app) {
                   "\"describe\", \"solution\": TEXT} or null}",
                   "pallix restore-error samples/restore-error.xml -35");
     command
-        ->add_option("CODE", restore->query,
+        ->add_option("CODE", restore->number,
                      "Error code (signed 64-bit), decimal or 0x hexadecimal, with an optional "
                      "minus")
-        ->required();
+        ->required()
+        ->transform(IntegerIn(LLONG_MIN, LLONG_MAX, kDecimalOrHex, Digits::DecimalOrHex));
 
     auto mapping = std::make_shared<Lookup>();
     command = addLookup(
@@ -231,7 +222,7 @@ void registerTableCommands(CLI::App& app) {
         "Plug-in mapping table", mapping, runMapping,
         "{\"version\": TEXT, \"found\": BOOL, \"row\": {\"version\", \"mapping\": TEXT} or null}",
         "pallix mapping samples/plugin-mapping.xml 16.4.1");
-    command->add_option("VERSION", mapping->query, "Version text, matched exactly")->required();
+    command->add_option("VERSION", mapping->text, "Version text, matched exactly")->required();
 }
 
 } // namespace pallix::tool

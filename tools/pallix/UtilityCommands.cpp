@@ -9,11 +9,9 @@
 #include "PRuntimeLocation.h"
 #include "PRuntimeString.h"
 
-#include <cmath>
+#include <climits>
 #include <cstdint>
 #include <cstdio>
-#include <iostream>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,7 +45,7 @@ const char* const kUsageStatus = "2 a usage error (an argument that is not what 
 
 void registerSize(CLI::App& app) {
     struct Options {
-        std::string bytes;
+        unsigned long long bytes = 0;
         int precision = 2;
         bool spaced = false;
         bool json = false;
@@ -56,24 +54,19 @@ void registerSize(CLI::App& app) {
     CLI::App* command = app.add_subcommand(
         "size", "Show a byte count as the interface does (base 1024, up to TB). With --json: "
                 "{\"bytes\": N, \"text\": TEXT}.");
-    command->add_option("BYTES", options->bytes, "Number of bytes, 0 to 18446744073709551615")
-        ->required();
+    command->add_option("BYTES", options->bytes, "Number of bytes")
+        ->required()
+        ->transform(UnsignedUpTo(ULLONG_MAX, "a byte count"));
     command->add_option("--precision", options->precision, "Decimals from KB on (default 2)")
-        ->check(IntegerIn(0, 17));
+        ->transform(IntegerIn(0, 17));
     command->add_flag("--spaced", options->spaced, "Put a blank between number and unit");
     addJsonFlag(*command, options->json);
     finishHelp(*command, std::string("0 shown; ") + kUsageStatus, "pallix size 1536 --precision 1");
     command->callback([options] {
-        const auto bytes =
-            parseUnsigned(options->bytes, std::numeric_limits<unsigned long long>::max());
-        if (!bytes) {
-            failUsage("not a byte count: '" + options->bytes +
-                      "' (a whole number from 0 to 18446744073709551615)");
-        }
         RootScope scope;
-        const std::string text =
-            toText(scope.strings().stringFromSize(*bytes, options->precision, options->spaced));
-        printAnswer(options->json, {{"bytes", *bytes}, {"text", text}}, text);
+        const std::string text = toText(
+            scope.strings().stringFromSize(options->bytes, options->precision, options->spaced));
+        printAnswer(options->json, {{"bytes", options->bytes}, {"text", text}}, text);
     });
 }
 
@@ -185,7 +178,7 @@ void registerCoord(CLI::App& app) {
 
 void registerDate(CLI::App& app) {
     struct Options {
-        std::string seconds;
+        long long seconds = 0;
         bool json = false;
     };
     auto options = std::make_shared<Options>();
@@ -194,20 +187,18 @@ void registerDate(CLI::App& app) {
                 "helpers count unsigned 32-bit seconds: instants from 0 (1970-01-01) to "
                 "4294967295 (2106-02-07). With --json: {\"seconds\", \"date\", \"dayStart\"}.");
     command->add_option("SECONDS", options->seconds, "Seconds since 1970-01-01 00:00 UTC")
-        ->required();
+        ->required()
+        ->transform(IntegerIn(0, UINT32_MAX,
+                          "the date helpers count unsigned 32-bit seconds, from 1970-01-01 to "
+                          "2106-02-07"));
     addJsonFlag(*command, options->json);
     finishHelp(*command, std::string("0 shown; ") + kUsageStatus, "pallix date 1704139200 --json");
     command->callback([options] {
-        const auto seconds = parseInteger(options->seconds, 0, UINT32_MAX);
-        if (!seconds) {
-            failUsage("not a number of seconds the date helpers take: '" + options->seconds +
-                      "' (they count unsigned 32-bit seconds, from 0, 1970-01-01, to " +
-                      std::to_string(UINT32_MAX) + ", 2106-02-07)");
-        }
         RootScope scope;
-        const std::string date = toText(scope.strings().secondToString(*seconds));
-        const long long dayStart = scope.strings().secondToDay(*seconds);
-        printAnswer(options->json, {{"seconds", *seconds}, {"date", date}, {"dayStart", dayStart}},
+        const std::string date = toText(scope.strings().secondToString(options->seconds));
+        const long long dayStart = scope.strings().secondToDay(options->seconds);
+        printAnswer(options->json,
+                    {{"seconds", options->seconds}, {"date", date}, {"dayStart", dayStart}},
                     "date: " + date + "\nday starts at: " + std::to_string(dayStart));
     });
 }

@@ -45,6 +45,22 @@ std::optional<Magnitude> parseMagnitude(const std::string& text, Digits digits) 
     return result;
 }
 
+// Accepts the text that `parse` reads, handing on the number in decimal.
+template <typename Parse>
+CLI::Validator numberValidator(Parse parse, const std::string& range, const std::string& why,
+                               const std::string& description) {
+    return CLI::Validator(
+        [parse, range, why](std::string& text) -> std::string {
+            const auto value = parse(text);
+            if (!value) {
+                return "'" + text + "' is not " + range + (why.empty() ? "" : " (" + why + ")");
+            }
+            text = std::to_string(*value);
+            return std::string();
+        },
+        description);
+}
+
 } // namespace
 
 std::optional<long long> parseInteger(const std::string& text, long long minimum, long long maximum,
@@ -90,25 +106,18 @@ std::optional<double> parseFiniteNumber(const std::string& text) {
     return value;
 }
 
-CLI::Validator IntegerIn(long long minimum, long long maximum) {
-    return CLI::Validator(
-        [minimum, maximum](std::string& text) -> std::string {
-            return parseInteger(text, minimum, maximum)
-                       ? std::string()
-                       : "'" + text + "' is not " + rangeText(minimum, maximum);
-        },
+CLI::Validator IntegerIn(long long minimum, long long maximum, const std::string& why,
+                         Digits digits) {
+    return numberValidator(
+        [=](const std::string& text) { return parseInteger(text, minimum, maximum, digits); },
+        rangeText(minimum, maximum), why,
         "INT in [" + std::to_string(minimum) + " - " + std::to_string(maximum) + "]");
 }
 
-CLI::Validator UnsignedUpTo(unsigned long long maximum) {
-    return CLI::Validator(
-        [maximum](std::string& text) -> std::string {
-            return parseUnsigned(text, maximum)
-                       ? std::string()
-                       : "'" + text + "' is not a whole number from 0 to " +
-                             std::to_string(maximum);
-        },
-        "UINT in [0 - " + std::to_string(maximum) + "]");
+CLI::Validator UnsignedUpTo(unsigned long long maximum, const std::string& why) {
+    return numberValidator([=](const std::string& text) { return parseUnsigned(text, maximum); },
+                           "a whole number from 0 to " + std::to_string(maximum), why,
+                           "UINT in [0 - " + std::to_string(maximum) + "]");
 }
 
 CLI::Validator XmlText() {

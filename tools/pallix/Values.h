@@ -24,10 +24,12 @@ std::optional<unsigned long long> parseUnsigned(const std::string& text, unsigne
 // A number that strtod reads in full and that is finite.
 std::optional<double> parseFiniteNumber(const std::string& text);
 
-// Validators for CLI11 options built on the parsers above. The option's own conversion then
-// only ever sees text that it converts exactly.
-CLI::Validator IntegerIn(long long minimum, long long maximum);
-CLI::Validator UnsignedUpTo(unsigned long long maximum);
+// Validators for CLI11 options built on the parsers above. A number that they accept is handed
+// on in plain decimal: CLI11's own conversion reads a leading 0 as octal ("010" as 8) and "0x"
+// as hexadecimal. `why` ends the message of a refusal, in parentheses.
+CLI::Validator IntegerIn(long long minimum, long long maximum, const std::string& why = "",
+                         Digits digits = Digits::Decimal);
+CLI::Validator UnsignedUpTo(unsigned long long maximum, const std::string& why = "");
 CLI::Validator XmlText();
 
 } // namespace pallix::tool
