@@ -112,7 +112,7 @@ TEST_F(ConfigChangesTest, TextThatXmlCannotCarryIsRefused) {
 TEST_F(ConfigChangesTest, CoordinatesMustBeFinite) {
     const FileState before = writtenFile();
     for (const char* list : {"VirtualLocation", "LocationFavorites"}) {
-        for (const char* number : {"nan", "NaN", "inf", "infinity", "1e999"}) {
+        for (const char* number : {"nan", "NaN", "inf", "infinity", "1e999", "0x10", "+1"}) {
             ToolResult result = run({"add", list, number, "2", "X"});
             EXPECT_EQ(result.status, 2) << list << " " << number;
             EXPECT_TRUE(contains(result.errors, "is not a finite number")) << result.errors;

@@ -206,7 +206,9 @@ TEST(ToolCoord, PointsOutsideTheRegionPassUnchanged) {
 }
 
 TEST(ToolCoord, RefusesWhatIsNotAFiniteNumberOfDegrees) {
-    for (const char* number : {"nan", "inf", "infinity", "1e999", "0x", " 1"}) {
+    // strtod would read "0x10" as sixteen; degrees are decimal.
+    for (const char* number :
+         {"nan", "inf", "infinity", "1e999", "0x", " 1", "0x10", "+1", "1,5"}) {
         ToolResult result = runTool({"coord", "gcj02", "bd09", number, "0"});
         EXPECT_EQ(result.status, 2) << number;
         EXPECT_EQ(result.output, "") << number;

@@ -2,8 +2,8 @@
 
 #include "Conversions.h"
 
-#include <cctype>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 
@@ -95,12 +95,10 @@ std::optional<unsigned long long> parseUnsigned(const std::string& text, unsigne
 }
 
 std::optional<double> parseFiniteNumber(const std::string& text) {
-    if (text.empty() || std::isspace(static_cast<unsigned char>(text[0]))) {
-        return std::nullopt;
-    }
-    char* end = nullptr;
-    const double value = std::strtod(text.c_str(), &end);
-    if (*end != '\0' || !std::isfinite(value)) {
+    double value = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end || !std::isfinite(value)) {
         return std::nullopt;
     }
     return value;

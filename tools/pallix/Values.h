@@ -21,7 +21,8 @@ std::optional<long long> parseInteger(const std::string& text, long long minimum
                                       Digits digits = Digits::Decimal);
 std::optional<unsigned long long> parseUnsigned(const std::string& text, unsigned long long maximum,
                                                 Digits digits = Digits::Decimal);
-// A number that strtod reads in full and that is finite.
+// A finite number in decimal notation ("-1.5", "2e-3"), whatever the locale; nothing for
+// anything else, "+1", " 1", "0x10" (strtod's hexadecimal), "nan" and "inf" included.
 std::optional<double> parseFiniteNumber(const std::string& text);
 
 // Validators for CLI11 options built on the parsers above. A number that they accept is handed
