@@ -125,6 +125,19 @@ TEST_F(ConfigCommandsTest, SetChangesAPreferenceAndSavesIt) {
     EXPECT_STREQ(root.child("DownloadMaxSpeed").attribute("Value").value(), "1048576");
 }
 
+// An empty skin is stored, and read as the default: the tool says what the application will see.
+TEST_F(ConfigCommandsTest, SetSaysWhatTheApplicationReads) {
+    ASSERT_EQ(run({"set", "LastSkin", "C0FFEE"}).status, 0);
+    const ToolResult result = run({"set", "LastSkin", ""});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "LastSkin: 236EE7 (was C0FFEE)\n");
+    EXPECT_TRUE(contains(result.errors, "'' is stored, and the application reads it as '236EE7'"))
+        << result.errors;
+    pugi::xml_document document;
+    EXPECT_STREQ(written(document).child("LastSkin").attribute("Value").value(), "");
+    EXPECT_EQ(run({"get", "LastSkin"}).output, "236EE7\n");
+}
+
 TEST_F(ConfigCommandsTest, SetChangesFlagsAndDirectories) {
     ASSERT_EQ(run({"set", "Status/KeepFirmwareCache", "false"}).status, 0);
     ASSERT_EQ(run({"set", "Tools/Screen Recorder", "off"}).status, 0);

@@ -311,8 +311,14 @@ void set(const ConfigOptions& options, const std::string& text, const std::strin
         key.family->set(session.config(), NString(key.name), value);
     }
     session.requireWritten();
-    std::cout << text << ": " << plainText(value)
+    // Said as the library now reads it, which is not always what was given.
+    const json now = current(session.config(), key).value_or(value);
+    std::cout << text << ": " << plainText(now)
               << (was ? " (was " + plainText(*was) + ")" : " (new)") << '\n';
+    if (now != value) {
+        reportNote("'" + plainText(value) + "' is stored, and the application reads it as '" +
+                   plainText(now) + "'");
+    }
     // Any name is stored, but a new one beside the names that the application knows is more
     // likely a mistyped one.
     if (!was && !key.family->known.empty()) {
