@@ -188,8 +188,10 @@ void registerTableCommands(CLI::App& app) {
         "\"product\": TEXT, \"support\": BOOL} or null}",
         "pallix cpid samples/cpid.xml 0x8101 0x0C");
     const CLI::Validator identifier = IntegerIn(0, UINT_MAX, kDecimalOrHex, Digits::DecimalOrHex);
-    command->add_option("CHIP", cpid->number, "Chip identifier")->required()->transform(identifier);
-    command->add_option("BOARD", cpid->board, "Board identifier")
+    command->add_option("CHIP", cpid->number, "Chip identifier, decimal or 0x hexadecimal")
+        ->required()
+        ->transform(identifier);
+    command->add_option("BOARD", cpid->board, "Board identifier, decimal or 0x hexadecimal")
         ->required()
         ->transform(identifier);
 
