@@ -109,6 +109,17 @@ TEST_F(ConfigChangesTest, TextThatXmlCannotCarryIsRefused) {
     EXPECT_TRUE(FileState::of(currentFile()) == before);
 }
 
+TEST_F(ConfigChangesTest, AnEmptyPathIsRefused) {
+    const FileState before = writtenFile();
+    for (const char* list : {"CustomBackup", "FileFavorites"}) {
+        const ToolResult result = run({"add", list, ""});
+        EXPECT_EQ(result.status, 2) << list;
+        EXPECT_TRUE(contains(result.errors, std::string(list) + ": the path is empty"))
+            << result.errors;
+    }
+    EXPECT_TRUE(FileState::of(currentFile()) == before);
+}
+
 TEST_F(ConfigChangesTest, CoordinatesMustBeFinite) {
     const FileState before = writtenFile();
     for (const char* list : {"VirtualLocation", "LocationFavorites"}) {

@@ -163,6 +163,10 @@ json parseEntry(const List& list, const std::vector<std::string>& values, bool r
         return place(coordinate("X", values[0]), coordinate("Y", values[1]),
                      withLocation ? xmlText("the name", values[2]) : std::string());
     }
+    // Most likely an unset variable in a script: no list of the application holds an empty path.
+    if (values[0].empty()) {
+        failUsage(list.name + std::string(": the path is empty"));
+    }
     const NString path(xmlText("the path", values[0]));
     json entry{{kPath, NFileSystem::path::format(NFileSystem::path(path)).data().data()}};
     if (list.rooted) {
