@@ -11,6 +11,7 @@
 #include "PRuntimeCrashCode.h"
 #include "PRuntimePluginMapping.h"
 #include "PRuntimeRestoreError.h"
+#include "TableFormats.h"
 #include "ToolOutput.h"
 #include "Values.h"
 
@@ -38,7 +39,8 @@ struct Lookup {
     bool json = false;
 };
 
-// One field of a row: its label in the text view, its name in JSON, its value.
+// One field of a row: its label in the text view (the file's attribute), its name in JSON, its
+// value.
 struct Field {
     const char* label;
     const char* key;
@@ -99,19 +101,19 @@ void runCpid(const Lookup& lookup) {
     PRuntimeCpid table;
     load(table, lookup.table, check::FileKind::Cpid);
     // The texts that the rows are matched against, for the messages.
-    const std::string chipText = pallix::format::chipText(chip);
-    const std::string boardText = pallix::format::boardText(board);
+    const std::string chipText = format::chipText(chip);
+    const std::string boardText = format::boardText(board);
     PRuntimeInfoCpid row;
     const bool found = table.find(NDeviceInfoRecovery(chip, board), row);
     const bool fallback = found && row.bdid().toStdString() != boardText;
     std::vector<Field> fields;
     if (found) {
-        fields = {{"CPID", "cpid", row.cpid().toStdString()},
-                  {"BDID", "bdid", row.bdid().toStdString()},
-                  {"MODE", "mode", row.mode().toStdString()},
-                  {"NETWORK", "network", row.network().toStdString()},
-                  {"PRODUCT", "product", row.product().toStdString()},
-                  {"SUPPORT", "support", row.support()}};
+        fields = {{format::cpid::kChip, "cpid", row.cpid().toStdString()},
+                  {format::cpid::kBoard, "bdid", row.bdid().toStdString()},
+                  {format::cpid::kModel, "mode", row.mode().toStdString()},
+                  {format::cpid::kNetwork, "network", row.network().toStdString()},
+                  {format::cpid::kProduct, "product", row.product().toStdString()},
+                  {format::cpid::kSupport, "support", row.support()}};
     }
     answer(lookup, {{"chip", chip}, {"board", board}, {"boardDefault", fallback}}, fields,
            "chip " + chipText + " board " + boardText + ", nor a board 00 row of the chip",
@@ -127,9 +129,9 @@ void runCrash(const Lookup& lookup) {
     load(table, lookup.table, check::FileKind::Crash);
     std::vector<Field> fields;
     table.find(NString(lookup.text), [&fields](const PRuntimeInfoCrash& row) {
-        fields = {{"KEY", "key", row.key().toStdString()},
-                  {"REASON", "reason", row.reason().toStdString()},
-                  {"SOLUTION", "solution", row.solution().toStdString()}};
+        fields = {{format::crash::kKey, "key", row.key().toStdString()},
+                  {format::crash::kReason, "reason", row.reason().toStdString()},
+                  {format::crash::kSolution, "solution", row.solution().toStdString()}};
     });
     answer(lookup, {{"text", lookup.text}}, fields, "the text \"" + lookup.text + "\"");
 }
@@ -141,9 +143,9 @@ void runRestoreError(const Lookup& lookup) {
     load(table, lookup.table, check::FileKind::RestoreError);
     std::vector<Field> fields;
     table.find(code, [&fields](const PRuntimeInfoRestoreError& row) {
-        fields = {{"CODE", "code", row.code()},
-                  {"DESCRIBE", "describe", row.describe().toStdString()},
-                  {"SOLUTION", "solution", row.solution().toStdString()}};
+        fields = {{format::restore_error::kCode, "code", row.code()},
+                  {format::restore_error::kDescription, "describe", row.describe().toStdString()},
+                  {format::restore_error::kSolution, "solution", row.solution().toStdString()}};
     });
     answer(lookup, {{"code", code}}, fields, "code " + std::to_string(code));
 }
@@ -157,8 +159,8 @@ void runMapping(const Lookup& lookup) {
     NString mapping;
     std::vector<Field> fields;
     if (table.find(NString(lookup.text), mapping)) {
-        fields = {{"Version", "version", lookup.text},
-                  {"Mapping", "mapping", mapping.toStdString()}};
+        fields = {{format::plugin_mapping::kVersion, "version", lookup.text},
+                  {format::plugin_mapping::kMapping, "mapping", mapping.toStdString()}};
     }
     answer(lookup, {{"version", lookup.text}}, fields, "version \"" + lookup.text + "\"");
 }
