@@ -8,13 +8,14 @@
 #include "Suggestion.h"
 #include "ToolOutput.h"
 
+#include <cctype>
 #include <iostream>
 #include <string>
 #include <vector>
 
 namespace {
 
-const char* const kExitStatuses = "\nExit status: 0 success; 1 not found, rejected, or warnings "
+const char* const kExitStatuses = "Exit status: 0 success; 1 not found, rejected, or warnings "
                                   "only; 2 usage error or input that cannot be read.";
 
 // The subcommand that the command line reached: the innermost one that was parsed.
@@ -66,72 +67,141 @@ std::string commandPrefix(const CLI::App& command) {
     return space == std::string::npos ? std::string() : path.substr(space + 1) + ": ";
 }
 
-// CLI11 names what it did not expect after "not expected: "; the first word is the one to
-// correct.
-std::string firstUnexpected(const std::string& message) {
-    const auto colon = message.find("expected: ");
-    if (colon == std::string::npos) {
-        return std::string();
-    }
-    const std::string rest = message.substr(colon + 10);
-    return rest.substr(0, rest.find(' '));
-}
+// A word of the command line as the parser meets it, with the command it was met in.
+struct Word {
+    enum class Role { Command, Option, UnknownOption, Value, Argument };
+    std::string text;
+    const CLI::App* command;
+    Role role;
+    bool afterSeparator; // after "--", where every word is an argument
+};
 
-// The first word on the command line after the command that was reached, skipping options and
-// their values: what a group that requires an action was given instead of one.
-std::string firstWordAfter(const CLI::App& command, const std::vector<std::string>& arguments) {
-    std::vector<std::string> path;
-    for (const CLI::App* at = &command; at->get_parent() != nullptr; at = at->get_parent()) {
-        path.insert(path.begin(), at->get_name());
-    }
-    std::size_t matched = 0;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        if (argument.rfind("-", 0) == 0) {
-            const CLI::Option* option = nullptr;
-            for (const CLI::App* at = &command; at != nullptr && option == nullptr;
-                 at = at->get_parent()) {
-                option = at->get_option_no_throw(argument.substr(0, argument.find('=')));
-            }
-            if (option != nullptr && option->get_type_size() != 0 &&
-                argument.find('=') == std::string::npos) {
-                ++i;
-            }
-        } else if (matched < path.size()) {
-            matched += argument == path[matched] ? 1 : 0;
-        } else {
-            return argument;
+const CLI::Option* findOption(const CLI::App& command, const std::string& word) {
+    const std::string name = word.substr(0, word.find('='));
+    for (const CLI::App* at = &command; at != nullptr; at = at->get_parent()) {
+        if (const CLI::Option* option = at->get_option_no_throw(name)) {
+            return option;
         }
     }
-    return std::string();
+    return nullptr;
+}
+
+const CLI::App* findSubcommand(const CLI::App& command, const std::string& name) {
+    const auto named =
+        command.get_subcommands([&name](const CLI::App* sub) { return sub->get_name() == name; });
+    return named.empty() ? nullptr : named.front();
+}
+
+// The command line read again the way CLI11 reads it, so that a usage error can name the word
+// at fault and the command it belongs to.
+std::vector<Word> readWords(const CLI::App& app, const std::vector<std::string>& arguments) {
+    std::vector<Word> words;
+    const CLI::App* command = &app;
+    bool separated = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& text = arguments[i];
+        if (!separated && text == "--") {
+            separated = true;
+            continue;
+        }
+        if (separated) {
+            words.push_back({text, command, Word::Role::Argument, true});
+        } else if (text.size() > 1 && text[0] == '-' &&
+                   !std::isdigit(static_cast<unsigned char>(text[1]))) {
+            // As CLI11 does, "-35" is a number, not an option.
+            const CLI::Option* option = findOption(*command, text);
+            words.push_back(
+                {text, command, option ? Word::Role::Option : Word::Role::UnknownOption, false});
+            if (option != nullptr && option->get_type_size() != 0 &&
+                text.find('=') == std::string::npos && i + 1 < arguments.size()) {
+                words.push_back({arguments[++i], command, Word::Role::Value, false});
+            }
+        } else if (const CLI::App* sub = findSubcommand(*command, text)) {
+            command = sub;
+            words.push_back({text, command->get_parent(), Word::Role::Command, false});
+        } else {
+            words.push_back({text, command, Word::Role::Argument, false});
+        }
+    }
+    return words;
+}
+
+// The word that CLI11's error is about: the first of the words it did not expect (its message
+// lists them last first), else the first unknown option, else a word where the command
+// reached wants an action. Null when the error is about no word.
+const Word* wordAtFault(const CLI::ParseError& error, const std::vector<Word>& words,
+                        const CLI::App& reached) {
+    const std::string message = error.what();
+    const auto listed = message.find("expected: ");
+    if (listed != std::string::npos) {
+        const std::string unexpected = " " + message.substr(listed + 10) + " ";
+        for (const Word& word : words) {
+            if (word.role != Word::Role::Command &&
+                unexpected.find(" " + word.text + " ") != std::string::npos) {
+                return &word;
+            }
+        }
+    }
+    for (const Word& word : words) {
+        if (word.role == Word::Role::UnknownOption) {
+            return &word;
+        }
+    }
+    if (error.get_name() == "RequiredError" && !subcommandNames(reached).empty()) {
+        for (const Word& word : words) {
+            if (word.role == Word::Role::Argument && word.command == &reached) {
+                return &word;
+            }
+        }
+    }
+    return nullptr;
+}
+
+std::string unknownOption(const Word& word) {
+    const CLI::App& command = *word.command;
+    const std::string name = word.text.substr(0, word.text.find('='));
+    // An option of an action, given before the action.
+    std::vector<std::string> owners;
+    for (const CLI::App* sub : command.get_subcommands([](const CLI::App*) { return true; })) {
+        if (sub->get_option_no_throw(name) != nullptr) {
+            owners.push_back("'" + sub->get_name() + "'");
+        }
+    }
+    if (!owners.empty()) {
+        return commandPrefix(command) + "'" + name + "' is an option of " +
+               pallix::tool::joined(owners, "and") + ": put it after the " +
+               (command.get_parent() == nullptr ? "command" : "action");
+    }
+    const std::string suggestion = pallix::tool::didYouMean(name, optionNames(command));
+    return commandPrefix(command) + "unknown option '" + word.text + "'" + suggestion +
+           (suggestion.empty() && word.text.rfind("--", 0) != 0
+                ? " (an argument that starts with '-' goes after '--')"
+                : "");
 }
 
 // A usage error in the words of CLI11, with a suggestion where a word was mistyped and a
-// pointer to the help of the command that was reached.
+// pointer to the help of the command that the word belongs to.
 int reportUsageError(const CLI::App& app, const CLI::ParseError& error,
                      const std::vector<std::string>& arguments) {
-    const CLI::App& command = *innermostCommand(app);
+    const CLI::App& reached = *innermostCommand(app);
+    const std::vector<Word> words = readWords(app, arguments);
+    const Word* word = wordAtFault(error, words, reached);
+    const CLI::App& command = word != nullptr ? *word->command : reached;
     std::string message = error.what();
-    std::string word = firstUnexpected(message);
-    // CLI11 asks for an action before it names an unexpected word: name the mistyped action,
-    // or the actions to choose from when none was given.
     const std::vector<std::string> actions = subcommandNames(command);
-    if (word.empty() && error.get_name() == "RequiredError" && !actions.empty()) {
-        word = firstWordAfter(command, arguments);
-        if (word.empty()) {
+    if (word == nullptr) {
+        // CLI11 asks for an action before anything else: name the actions to choose from.
+        if (error.get_name() == "RequiredError" && !actions.empty()) {
             message = commandPrefix(command) + "an action is required (" +
                       pallix::tool::joined(actions) + ")";
         }
-    }
-    if (!word.empty()) {
-        if (word.rfind("-", 0) == 0) {
-            message =
-                commandPrefix(command) + "unknown option '" + word + "'" +
-                pallix::tool::didYouMean(word.substr(0, word.find('=')), optionNames(command));
-        } else if (!actions.empty()) {
-            message = commandPrefix(command) + "unknown command '" + word + "'" +
-                      pallix::tool::didYouMean(word, actions);
-        }
+    } else if (word->role == Word::Role::UnknownOption) {
+        message = unknownOption(*word);
+    } else if (!actions.empty() && !word->afterSeparator) {
+        message = commandPrefix(command) + "unknown command '" + word->text + "'" +
+                  pallix::tool::didYouMean(word->text, actions);
+    } else {
+        message = commandPrefix(command) + "unexpected argument '" + word->text + "'";
     }
     pallix::tool::reportError(message);
     std::cerr << "Run '" << commandPath(command) << " --help' for more information.\n";
@@ -155,9 +225,10 @@ void registerHelpCommand(CLI::App& app, std::vector<std::string>& words) {
             }
             command = sub;
         }
-        // Named from the tool down, as "pallix COMMAND --help" names it.
-        std::cout << command->help(command == &app ? std::string()
-                                                   : commandPath(*command->get_parent()));
+        // Named from the tool down, as "pallix COMMAND --help" names it. (App::help() would
+        // show the help of the command that ran: "help" itself.)
+        std::cout << command->get_formatter()->make_help(command, commandPath(*command),
+                                                         CLI::AppFormatMode::Normal);
     });
 }
 
@@ -183,10 +254,9 @@ int main(int argc, char** argv) {
     std::vector<std::string> helpWords;
     registerHelpCommand(app, helpWords);
     // Set last: subcommands take their parent's footer when they are added.
-    pallix::tool::setExample(app, "pallix help check\npallix check " +
-                                      pallix::tool::kOwnConfigDirectory + "/" +
-                                      pallix::format::kConfigurationFile);
-    app.footer(app.get_footer() + "\n" + kExitStatuses + "\n");
+    pallix::tool::endHelp(app, kExitStatuses,
+                          "pallix help check\npallix check " + pallix::tool::kOwnConfigDirectory +
+                              "/" + pallix::format::kConfigurationFile);
 
     try {
         app.parse(argc, argv);
