@@ -12,7 +12,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -568,4 +571,51 @@ TEST_F(CheckConfigDirectory, MissingDirectoryIsAUsageError) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.errors, "pallix: " + missing + ": not a directory\n");
     EXPECT_EQ(result.output, "");
+}
+
+TEST(CheckCommand, StandardInputThatCannotBeReadIsNotCheckedAsEmpty) {
+    const TemporaryDirectory directory;
+    const auto result = runToolOn(directory.path(), {"check", "-"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.errors, "pallix: <stdin>: cannot be read (Is a directory)\n");
+    EXPECT_TRUE(result.output.empty()) << result.output;
+}
+
+TEST(CheckCommand, AMistypedKindGetsASuggestion) {
+    for (const char* kind : {"resore-error", "Cpid"}) {
+        const auto result = runTool({"check", "--kind", kind, dataPath("cpid-no-default.xml")});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_NE(result.errors.find(std::string("'") + kind + "' is not a kind of file"),
+                  std::string::npos)
+            << result.errors;
+        EXPECT_NE(result.errors.find(std::strcmp(kind, "Cpid") == 0
+                                         ? "did you mean 'cpid'?"
+                                         : "did you mean 'restore-error'?"),
+                  std::string::npos)
+            << result.errors;
+    }
+}
+
+TEST(CheckCommand, AnEmptyConfigurationDirectoryIsRefused) {
+    // An unset variable in a script must not check (or anything else) the default directory.
+    const auto result = runTool({"check", "--config-dir", ""});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.errors.find("--config-dir: the path is empty"), std::string::npos)
+        << result.errors;
+}
+
+TEST(CheckCommand, ALineBreakInAMessageIsEscaped) {
+    const TemporaryDirectory directory;
+    const std::string file = directory.path() + "/cpid.xml";
+    std::ofstream(file) << "<DEVICE>\n<ROW CPID=\"8022&#10;\" BDID=\"00\" MODE=\"m\" PRODUCT=\"p\" "
+                           "NETWORK=\"n\" SUPPORT=\"true\"/>\n</DEVICE>\n";
+    const auto result = runTool({"check", file});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.output.find(":2:6: error: CPID \"8022\\n\" is never found"), std::string::npos)
+        << result.output;
+    // One line per finding, then the summary.
+    EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\n'), 2) << result.output;
+    const Json report = Json::parse(runTool({"check", "--json", file}).output);
+    EXPECT_EQ(report[0]["findings"][0]["message"].get<std::string>().rfind("CPID \"8022\n\"", 0),
+              0U);
 }

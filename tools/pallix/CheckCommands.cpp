@@ -4,6 +4,7 @@
 #include "Commands.h"
 #include "Directories.h"
 #include "Failure.h"
+#include "Suggestion.h"
 #include "ToolOutput.h"
 
 #include "Checkers.h"
@@ -11,10 +12,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,6 +31,35 @@ namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
 const char* const kStandardInput = "-";
+
+// Standard input as a file to check, or a failure when it cannot be read (a directory, a
+// closed descriptor): an empty text would be checked as a broken file.
+check::SourceFile standardInput() {
+    std::string text;
+    char buffer[65536];
+    for (;;) {
+        const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
+        if (count > 0) {
+            text.append(buffer, static_cast<std::size_t>(count));
+        } else if (count == 0) {
+            return check::SourceFile("<stdin>", std::move(text));
+        } else if (errno != EINTR) {
+            failUnreadable(std::string("<stdin>: cannot be read (") + std::strerror(errno) + ")");
+        }
+    }
+}
+
+// --kind, with a suggestion for a mistyped one.
+CLI::Validator FileKindName() {
+    return CLI::Validator(
+        [](const std::string& name) {
+            return check::fileKindFromName(name) ? std::string()
+                                                 : "'" + name + "' is not a kind of file (" +
+                                                       joined(check::fileKindNames(), "or") + ")" +
+                                                       didYouMean(name, check::fileKindNames());
+        },
+        "");
+}
 
 struct CheckOptions {
     std::string kind;
@@ -59,12 +92,9 @@ int runCheck(const CheckOptions& options) {
     std::size_t checked = 0, errors = 0, warnings = 0;
     Json report = Json::array();
     for (const check::DirectoryFile& input : inputs) {
-        check::SourceFile file =
-            input.path == kStandardInput
-                ? check::SourceFile("<stdin>", std::string(std::istreambuf_iterator<char>(std::cin),
-                                                           std::istreambuf_iterator<char>()))
-            : input.noteOnly ? check::SourceFile(input.path, std::string())
-                             : check::SourceFile(input.path);
+        check::SourceFile file = input.path == kStandardInput ? standardInput()
+                                 : input.noteOnly ? check::SourceFile(input.path, std::string())
+                                                  : check::SourceFile(input.path);
         const std::string problem = !file.readable() ? file.problem()
                                     : input.noteOnly ? std::string()
                                                      : check::checkFile(file, input.kind);
@@ -96,10 +126,14 @@ void registerCheckCommands(CLI::App& app) {
     command
         ->add_option("--kind", options->kind,
                      "Kind of every FILE (found from its content when not given)")
-        ->check(CLI::IsMember(check::fileKindNames()));
-    command->add_option("--config-dir", options->configDirectory,
-                        "Check every file of this configuration directory that the library "
-                        "reads, each as its kind");
+        ->type_name("KIND")
+        ->check(FileKindName());
+    command
+        ->add_option("--config-dir", options->configDirectory,
+                     "Check every file of this configuration directory that the library "
+                     "reads, each as its kind")
+        ->type_name("DIR")
+        ->check(DirectoryPath());
     command->add_flag("--json", options->json,
                       "Print the findings as one JSON document: an array of files, each with "
                       "its findings");

@@ -440,16 +440,19 @@ void registerDemoCommands(CLI::App& app) {
         ->add_option("--config-dir", options->configDir,
                      "Configuration directory to work in and keep, created when it is missing "
                      "(default: a temporary one, removed afterwards)")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(DirectoryPath());
     command
         ->add_option("--resources-dir", options->resourcesDir,
                      std::string("Resources directory holding ") + format::kVersionFile +
                          " (default: the samples)")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(DirectoryPath());
     command
         ->add_option("--samples-dir", options->samplesDir,
                      "Directory of the sample files (default: the installed samples)")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(DirectoryPath());
     finishHelp(*command,
                "0 every step worked; 1 a check failed (marked [!!]); 2 a usage error, or a "
                "directory that is missing (but --config-dir), not a directory, or cannot be read.",

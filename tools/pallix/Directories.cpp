@@ -42,12 +42,26 @@ void requireDirectory(const std::string& directory, const char* what) {
     }
 }
 
+CLI::Validator DirectoryPath() {
+    return CLI::Validator(
+        [](const std::string& path) {
+            return path.empty() ? std::string("the path is empty (leave the option out for the "
+                                              "default directory)")
+                                : std::string();
+        },
+        "");
+}
+
 void addConfigDirectoryOption(CLI::App& command, std::string& directory) {
-    command.add_option("--config-dir", directory, kConfigHelp)->type_name("DIR");
+    command.add_option("--config-dir", directory, kConfigHelp)
+        ->type_name("DIR")
+        ->check(DirectoryPath());
 }
 
 void addResourcesDirectoryOption(CLI::App& command, std::string& directory) {
-    command.add_option("--resources-dir", directory, kResourcesHelp)->type_name("DIR");
+    command.add_option("--resources-dir", directory, kResourcesHelp)
+        ->type_name("DIR")
+        ->check(DirectoryPath());
 }
 
 std::string useConfigDirectory(const std::string& directory) {

@@ -19,6 +19,9 @@ struct Directories {
 extern const std::string kOwnConfigDirectory;
 
 void addConfigDirectoryOption(CLI::App& command, std::string& directory);
+// Refuses an empty path, which would otherwise mean the application's own directory: an unset
+// variable in a script must not reach the user's real files.
+CLI::Validator DirectoryPath();
 void addResourcesDirectoryOption(CLI::App& command, std::string& directory);
 
 // Makes the directory the application's configuration (or resources) directory after checking

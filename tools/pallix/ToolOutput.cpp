@@ -74,9 +74,10 @@ nlohmann::ordered_json reportFindings(const check::SourceFile& file, bool json, 
                             {"column", finding.column},
                             {"severity", severity},
                             {"message", finding.message}});
+        // A value quoted in a message may hold a line break: one finding stays one line.
         if (!json) {
-            std::cout << file.path() << ':' << finding.line << ':' << finding.column << ": "
-                      << severity << ": " << finding.message << '\n';
+            std::cout << escapeField(file.path()) << ':' << finding.line << ':' << finding.column
+                      << ": " << severity << ": " << escapeField(finding.message) << '\n';
         }
     }
     return findings;
