@@ -110,12 +110,12 @@ std::string xmlTextProblem(const std::string& text) {
         const std::size_t start = at;
         const long point = decodeUtf8(text, at);
         if (point < 0) {
-            return "byte " + std::to_string(start + 1) + " is not UTF-8";
+            return "a byte that is not UTF-8 (byte " + std::to_string(start + 1) + ")";
         }
         if (!isXmlCharacter(static_cast<unsigned long long>(point))) {
             char name[16];
             std::snprintf(name, sizeof name, "U+%04lX", static_cast<unsigned long>(point));
-            return std::string("character ") + name + " which an XML 1.0 file cannot carry";
+            return std::string("character ") + name + ", which an XML 1.0 file cannot carry";
         }
     }
     return std::string();

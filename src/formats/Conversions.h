@@ -65,7 +65,7 @@ constexpr bool isXmlCharacter(unsigned long long point) {
 }
 // Why a text cannot be carried by an XML 1.0 document (bytes that are not UTF-8, or a character
 // that XML does not allow, such as a control character other than tab, line feed and carriage
-// return); empty when it can. The library's writer would write such a character as a reference
+// return), as a noun phrase ("a byte that is not UTF-8 (byte 3)"); empty when it can. The library's writer would write such a character as a reference
 // that other XML parsers refuse.
 std::string xmlTextProblem(const std::string& text);
 

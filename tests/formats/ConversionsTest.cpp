@@ -116,13 +116,13 @@ TEST(FormatCharacters, TextThatXmlCannotCarryIsNamed) {
         format::xmlTextProblem("tab\tline\ncarriage\r \xe9\xab\x98\xe6\xb8\xa9 \xf0\x9f\x98\x80"),
         "");
     EXPECT_EQ(format::xmlTextProblem("a\x01"),
-              "character U+0001 which an XML 1.0 file cannot carry");
+              "character U+0001, which an XML 1.0 file cannot carry");
     EXPECT_EQ(format::xmlTextProblem("\xef\xbf\xbe"),
-              "character U+FFFE which an XML 1.0 file cannot carry");
-    EXPECT_EQ(format::xmlTextProblem("ab\xff"), "byte 3 is not UTF-8");
+              "character U+FFFE, which an XML 1.0 file cannot carry");
+    EXPECT_EQ(format::xmlTextProblem("ab\xff"), "a byte that is not UTF-8 (byte 3)");
     // An overlong form, an encoded surrogate, a cut-short sequence and a code point past U+10FFFF.
-    EXPECT_EQ(format::xmlTextProblem("\xc0\xaf"), "byte 1 is not UTF-8");
-    EXPECT_EQ(format::xmlTextProblem("\xed\xa0\x80"), "byte 1 is not UTF-8");
-    EXPECT_EQ(format::xmlTextProblem("x\xe6\xb8"), "byte 2 is not UTF-8");
-    EXPECT_EQ(format::xmlTextProblem("\xf4\x90\x80\x80"), "byte 1 is not UTF-8");
+    EXPECT_EQ(format::xmlTextProblem("\xc0\xaf"), "a byte that is not UTF-8 (byte 1)");
+    EXPECT_EQ(format::xmlTextProblem("\xed\xa0\x80"), "a byte that is not UTF-8 (byte 1)");
+    EXPECT_EQ(format::xmlTextProblem("x\xe6\xb8"), "a byte that is not UTF-8 (byte 2)");
+    EXPECT_EQ(format::xmlTextProblem("\xf4\x90\x80\x80"), "a byte that is not UTF-8 (byte 1)");
 }

@@ -337,7 +337,8 @@ TEST_F(StoresRestoreToolTest, IpswListOfAMalformedFileFailsWith2) {
     const ToolResult result = run({"ipsw", "list"});
     EXPECT_EQ(result.status, 2);
     EXPECT_TRUE(contains(result.errors, ipswFile() + ": not well-formed XML")) << result.errors;
-    EXPECT_TRUE(contains(result.errors, "the library reads it as empty")) << result.errors;
+    EXPECT_TRUE(contains(result.errors, "the library reads nothing from this file"))
+        << result.errors;
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(run({"ipsw", "find", "a"}).status, 2);
 }

@@ -87,11 +87,7 @@ ConfigSession::ConfigSession(const ConfigOptions& options, bool changes) {
     const bool imports = NFileSystem::file::exist(NString(legacy));
     if (imports) {
         guardFile(legacy, check::FileKind::LegacyConfig, options.force);
-        // The library removes the legacy file even when the import could not be written.
-        if (exists(current) && !NFileSystem::file::exist(NString(current))) {
-            failUnreadable(current + ": is not a regular file, so the import of " + legacy +
-                           " could not be written and the legacy file would be lost");
-        }
+        guardImport(current, legacy);
         reportNote("importing the legacy " + legacy + " into " + current +
                    " and removing it, as the application does at start-up");
     } else if (changes) {

@@ -4,6 +4,13 @@
 #include "ReadingProblem.h"
 #include "ToolOutput.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
 namespace pallix::tool {
 
 void guardFile(const std::string& path, check::FileKind kind, bool force) {
@@ -29,6 +36,19 @@ std::string fileProblem(const std::string& path, check::FileKind kind) {
                                                                                : problem->message;
 }
 
+void guardImport(const std::string& path, const std::string& old) {
+    const std::string loss =
+        ", so the import of " + old + " could not be written and it would be lost";
+    struct stat info {};
+    if (::stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
+        failUnreadable(path + ": is not a regular file" + loss);
+    }
+    const std::string directory = std::filesystem::path(path).parent_path().string();
+    if (::access(directory.c_str(), W_OK) != 0) {
+        failUnreadable(directory + ": cannot be written (" + std::strerror(errno) + ")" + loss);
+    }
+}
+
 void addForceFlag(CLI::App& command, bool& force) {
     command.add_flag("--force", force,
                      "Replace the file even when it cannot be read as it is (its content is lost)");
@@ -37,9 +57,10 @@ void addForceFlag(CLI::App& command, bool& force) {
 void guardReading(const std::string& path, check::FileKind kind) {
     const std::string problem = fileProblem(path, kind);
     if (!problem.empty()) {
-        failUnreadable(path + ": " + problem +
-                       "; the library reads it as empty (run 'pallix check " + path +
-                       "' to see why)");
+        // A parser's message may say already that nothing is read.
+        const bool said = problem.find("reads nothing") != std::string::npos;
+        failUnreadable(path + ": " + problem + (said ? "" : "; the library reads it as empty") +
+                       " (run 'pallix check " + path + "' to see why)");
     }
 }
 

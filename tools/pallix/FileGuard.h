@@ -24,6 +24,11 @@ void guardReading(const std::string& path, check::FileKind kind);
 // and warns.
 std::string fileProblem(const std::string& path, check::FileKind kind);
 
+// Before the library imports an older file (or directory) `old` into `path`: it deletes `old`
+// whether or not the import could be written, so a `path` that cannot be replaced (not a
+// regular file, in a directory that cannot be written) fails (status 2) before anything starts.
+void guardImport(const std::string& path, const std::string& old);
+
 void addForceFlag(CLI::App& command, bool& force);
 
 // The library reads a missing, broken or foreign file as an empty one and answers every lookup

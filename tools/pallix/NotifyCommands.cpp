@@ -63,6 +63,7 @@ std::unique_ptr<PRuntimeNotify> openNotify(const StoreChange& session, bool forC
     const std::string old = session.directory() + kOldNotifyDirectory;
     std::error_code ignored;
     if (std::filesystem::is_directory(old, ignored)) {
+        guardImport(session.file(), old);
         auto store = std::make_unique<PRuntimeNotify>();
         std::vector<unsigned long long> ids;
         store->traverse(

@@ -120,7 +120,11 @@ CLI::Validator UnsignedUpTo(unsigned long long maximum, const std::string& why) 
 
 CLI::Validator XmlText() {
     return CLI::Validator(
-        [](std::string& text) -> std::string { return format::xmlTextProblem(text); }, "");
+        [](std::string& text) -> std::string {
+            const std::string problem = format::xmlTextProblem(text);
+            return problem.empty() ? problem : "the text has " + problem;
+        },
+        "");
 }
 
 } // namespace pallix::tool
