@@ -101,6 +101,34 @@ TEST(DemoCommand, SecondRunInTheSameDirectoryIsNotANewInstallation) {
     EXPECT_TRUE(contains(second.output, "an existing installation")) << second.output;
 }
 
+TEST(DemoCommand, ADirectoryThatIsNotTheDemosOwnIsNeverChanged) {
+    // A user's configuration, a broken store beside it, and an empty --config-dir.
+    TemporaryDirectory scratch;
+    const std::string config = scratch.file("mine");
+    std::filesystem::create_directories(config);
+    const std::string configuration =
+        "<Nevor><CustomBackup><Item Path=\"/precious\"/></CustomBackup></Nevor>";
+    TemporaryDirectory::write(config + "/configure.xml", configuration);
+    TemporaryDirectory::write(config + "/Factory.json", "{bad");
+    for (const std::string& directory : {config, std::string()}) {
+        const auto result = runTool({"demo", "--config-dir", directory});
+        EXPECT_EQ(result.status, 2) << result.output;
+        EXPECT_EQ(result.output, "");
+    }
+    EXPECT_TRUE(contains(runTool({"demo", "--config-dir", config}).errors,
+                         "pallix: " + std::filesystem::canonical(config).string() +
+                             ": holds files that the demo did not write"));
+    EXPECT_EQ(TemporaryDirectory::read(config + "/configure.xml"), configuration);
+    EXPECT_EQ(TemporaryDirectory::read(config + "/Factory.json"), "{bad");
+    EXPECT_EQ(TemporaryDirectory::entries(config),
+              (std::vector<std::string>{"Factory.json", "configure.xml"}));
+    // An empty directory becomes the demo's own, and stays so for the next run.
+    const std::string fresh = scratch.file("fresh");
+    std::filesystem::create_directories(fresh);
+    ASSERT_EQ(runTool({"demo", "--config-dir", fresh}).status, 0);
+    EXPECT_EQ(runTool({"demo", "--config-dir", fresh}).status, 0);
+}
+
 TEST(DemoCommand, TamperedSampleIsReportedAndFailsTheDemo) {
     TemporaryDirectory scratch;
     const std::string samples = scratch.file("samples");

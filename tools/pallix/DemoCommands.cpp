@@ -89,6 +89,9 @@ std::string findSamplesDirectory(const std::string& requested) {
     failUsage("the sample files are not installed; name them with --samples-dir");
 }
 
+// Marks a configuration directory as the demo's own.
+const char* const kDemoMark = ".pallix-demo";
+
 // The directory the demo works in: the one named, created when it is missing, or a new
 // temporary one. Either way a directory that the tool can use, by its canonical name.
 std::string prepareConfigDirectory(const std::string& requested) {
@@ -112,7 +115,18 @@ std::string prepareConfigDirectory(const std::string& requested) {
                   ")");
     }
     const std::string canonical = std::filesystem::canonical(directory, error).string();
-    return useConfigDirectory(error ? directory : canonical);
+    const std::string used = useConfigDirectory(error ? directory : canonical);
+    // The demo changes the configuration of its directory (its data root included) and every
+    // store in it, so it works only in a directory of its own: one that was empty, or that
+    // holds the mark of an earlier demo. A user's configuration directory is never touched.
+    const std::string mark = used + "/" + kDemoMark;
+    if (!std::filesystem::exists(mark, error) && !std::filesystem::is_empty(used, error)) {
+        failUsage(used + ": holds files that the demo did not write; the demo changes the "
+                         "configuration and the stores of its directory, so give it an empty "
+                         "or a new one");
+    }
+    std::ofstream(mark) << "A directory of 'pallix demo', which changes every file in it.\n";
+    return used;
 }
 
 // In lower-case hexadecimal; empty when the file cannot be read.
@@ -438,8 +452,8 @@ void registerDemoCommands(CLI::App& app) {
         app.add_subcommand("demo", "Walk the application's typical road on the sample files");
     command
         ->add_option("--config-dir", options->configDir,
-                     "Configuration directory to work in and keep, created when it is missing "
-                     "(default: a temporary one, removed afterwards)")
+                     "Configuration directory to work in and keep: a new or empty one, or one "
+                     "that an earlier demo used (default: a temporary one, removed afterwards)")
         ->type_name("DIR")
         ->check(DirectoryPath());
     command
