@@ -286,6 +286,35 @@ TEST_F(StoresRestoreToolTest, IpswAddKeepsTheLocalFileAsAnAbsolutePath) {
     EXPECT_EQ(run({"ipsw", "find", urlA}).output, directory.file("relative.ipsw") + "\n");
 }
 
+TEST_F(StoresRestoreToolTest, IpswAddFollowsALinkBeforeDotDot) {
+    // link/../fw.ipsw is real/fw.ipsw for the system, not the decoy beside the link.
+    std::filesystem::create_directories(directory.file("real/sub"));
+    firmware("real/fw.ipsw");
+    firmware("fw.ipsw");
+    std::filesystem::create_directory_symlink("real/sub", directory.file("link"));
+    const ToolResult result = run({"ipsw", "add", urlA, directory.file("link/../fw.ipsw")});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(run({"ipsw", "find", urlA}).output,
+              std::filesystem::canonical(directory.file("real")).string() + "/fw.ipsw\n");
+}
+
+TEST_F(StoresRestoreToolTest, IpswRefusesWhatIsNotAFirmwareFileOrAnAddress) {
+    std::filesystem::create_directories(directory.file("folder"));
+    const ToolResult folder = run({"ipsw", "add", urlA, directory.file("folder")});
+    EXPECT_EQ(folder.status, 2);
+    EXPECT_EQ(folder.errors, "pallix: " + directory.file("folder") +
+                                 ": is not a regular file; a firmware file is expected\n");
+    const ToolResult empty = run({"ipsw", "add", urlA, ""});
+    EXPECT_EQ(empty.status, 2);
+    EXPECT_EQ(empty.errors, "pallix: the local file is empty\n");
+    for (const char* action : {"find", "remove"}) {
+        const ToolResult none = run({"ipsw", action, ""});
+        EXPECT_EQ(none.status, 2) << action;
+        EXPECT_EQ(none.errors, "pallix: the url is empty\n") << action;
+    }
+    EXPECT_FALSE(std::filesystem::exists(ipswFile()));
+}
+
 TEST_F(StoresRestoreToolTest, IpswAddRefusesALocalFileThatDoesNotExist) {
     const ToolResult result = run({"ipsw", "add", urlA, directory.file("never.ipsw")});
     EXPECT_EQ(result.status, 2);
@@ -324,7 +353,9 @@ TEST_F(StoresRestoreToolTest, IpswRemoveAndFindOfAnUnknownAddressAreNotFound) {
     const auto before = ageFile(ipswFile());
     const ToolResult remove = run({"ipsw", "remove", urlB});
     EXPECT_EQ(remove.status, 1);
-    EXPECT_EQ(remove.errors, "pallix: " + urlB + ": no local file matched\n");
+    EXPECT_EQ(remove.errors, "pallix: " + urlB +
+                                 ": no local file matched (a match whose file is gone is not read, "
+                                 "and goes at the next change)\n");
     EXPECT_EQ(stateOf(ipswFile()), before);
     const ToolResult find = run({"ipsw", "find", urlB, "--json"});
     EXPECT_EQ(find.status, 1);

@@ -7,12 +7,13 @@
 #include "Failure.h"
 #include "FileGuard.h"
 #include "FileNames.h"
-#include "NFileSystem.h"
 #include "PRuntimePortbind.h"
 #include "PRuntimeRestoreCustomFirmware.h"
 #include "StoreCommon.h"
 #include "ToolOutput.h"
 #include "Values.h"
+
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <iostream>
@@ -68,16 +69,24 @@ std::string acceptedValue(PRuntimePortbind*, const PairOptions& options) {
     return options.value;
 }
 std::string acceptedValue(PRuntimeRestoreCustomFirmware*, const PairOptions& options) {
-    if (options.key.empty()) {
-        failUsage("the download address is empty");
+    if (options.key.empty() || options.value.empty()) {
+        failUsage(options.key.empty() ? "the download address is empty"
+                                      : "the local file is empty");
     }
+    // A ".." after a symbolic link leads to where the link points, so the directory is resolved
+    // as the system resolves it; the file keeps its own name, a link included.
     std::error_code error;
+    const std::filesystem::path given = std::filesystem::absolute(options.value, error);
     const std::string local =
-        std::filesystem::absolute(options.value, error).lexically_normal().string();
+        (std::filesystem::weakly_canonical(given.parent_path(), error) / given.filename()).string();
+    struct stat info {};
     // The store drops a match whose file is gone the next time it reads the file.
-    if (error || !NFileSystem::path::exist(NString(local))) {
+    if (error || ::stat(local.c_str(), &info) != 0) {
         failUnreadable(options.value + ": no such file; the store keeps a match only while its "
                                        "file exists");
+    }
+    if (!S_ISREG(info.st_mode)) {
+        failUnreadable(options.value + ": is not a regular file; a firmware file is expected");
     }
     return local;
 }
@@ -98,7 +107,15 @@ template <typename Store> void list(const PairWords& words, const PairOptions& o
     }
 }
 
+// A key that no pair can have: the stores never keep an empty one.
+void requireKey(const PairWords& words, const PairOptions& options) {
+    if (options.key.empty()) {
+        failUsage(std::string("the ") + words.key + " is empty");
+    }
+}
+
 template <typename Store> void find(const PairWords& words, const PairOptions& options) {
+    requireKey(words, options);
     readableStoreFile(options.configDirectory, std::string("/") + words.file, words.kind);
     Store store;
     const std::optional<std::string> value = valueOf(store, options.key);
@@ -126,6 +143,7 @@ template <typename Store> void add(const PairWords& words, const PairOptions& op
 }
 
 template <typename Store> void remove(const PairWords& words, const PairOptions& options) {
+    requireKey(words, options);
     const StoreChange session(options.configDirectory, std::string("/") + words.file);
     session.guard(words.kind, options.force);
     Store store;
@@ -212,7 +230,7 @@ const PairWords kIpswWords{
     "Local firmware file (kept as an absolute path; the store drops a match whose file is gone, "
     "and so does its list)",
     "matched",
-    ": no local file matched",
+    ": no local file matched (a match whose file is gone is not read, and goes at the next change)",
     "forgot the match of ",
     "https://updates.example.com/ipsw/iPhone15,2_17.1_Restore.ipsw",
     "~/Downloads/iPhone15,2_17.1_Restore.ipsw"};
