@@ -338,3 +338,30 @@ TEST_F(ConfigChangesTest, AWriteThatFailsIsRejected) {
     }
     EXPECT_FALSE(exists(config() + "/missing"));
 }
+
+TEST_F(ConfigChangesTest, AnEmptyDirectoryPathIsRefused) {
+    // Start-up puts the default back in place of an empty path: every run would change it again.
+    const FileState before = writtenFile();
+    for (const char* key : {"Directory/Data", "Directory/Backup", "Directory/Mine"}) {
+        const ToolResult result = run({"set", key, ""});
+        EXPECT_EQ(result.status, 2) << key;
+        EXPECT_EQ(result.errors, std::string("pallix: ") + key + ": the path is empty\n");
+    }
+    EXPECT_TRUE(FileState::of(currentFile()) == before);
+}
+
+TEST_F(ConfigChangesTest, AnEmptyConfigurationDirectoryIsRefused) {
+    // An unset variable in a script must not reach the application's own configuration.
+    for (const char* option : {"--config-dir", "--resources-dir"}) {
+        const ToolResult result =
+            pallix::test::runTool({"config", "set", option, "", "LastSkin", "C0FFEE"});
+        EXPECT_EQ(result.status, 2) << option;
+        EXPECT_NE(result.errors.find(std::string(option) + ": the path is empty"),
+                  std::string::npos)
+            << result.errors;
+    }
+    for (const char* group : {"notify", "portbind", "factory", "ipsw"}) {
+        const ToolResult result = pallix::test::runTool({group, "list", "--config-dir", ""});
+        EXPECT_EQ(result.status, 2) << group;
+    }
+}

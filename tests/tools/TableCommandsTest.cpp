@@ -427,3 +427,18 @@ TEST(ToolTables, MissingArgumentsAreRefused) {
     EXPECT_NE(runTool({"restore-error", sample("restore-error.xml")}).status, 0);
     EXPECT_NE(runTool({"mapping"}).status, 0);
 }
+
+TEST(ToolCpid, JsonKeepsTheQueryBeforeTheAnswer) {
+    const ToolResult result = runTool({"cpid", sample("cpid.xml"), "0x7777", "1", "--json"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "{\n  \"chip\": 30583,\n  \"board\": 1,\n  \"boardDefault\": false,\n"
+                             "  \"found\": false,\n  \"row\": null\n}\n");
+}
+
+TEST(ToolCpid, AMissOnBoard00IsSaidOnce) {
+    const ToolResult result = runTool({"cpid", sample("cpid.xml"), "0x7777", "0"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "pallix: no row matched chip 7777 board 00\n");
+    EXPECT_EQ(runTool({"cpid", sample("cpid.xml"), "0x7777", "1"}).errors,
+              "pallix: no row matched chip 7777 board 01, nor a board 00 row of the chip\n");
+}

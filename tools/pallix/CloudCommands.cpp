@@ -251,7 +251,7 @@ void printOverview(const CloudOptions& options, const PRuntimeCloud& cloud) {
 struct Answers {
     bool json = false;
     bool allFound = true;
-    nlohmann::json document = nlohmann::json::object();
+    nlohmann::ordered_json document = nlohmann::ordered_json::object();
 
     void add(const char* key, const std::string& query, const nlohmann::json& answer,
              const std::string& text, const std::string& missed) {

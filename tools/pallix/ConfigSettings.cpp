@@ -295,6 +295,11 @@ void set(const ConfigOptions& options, const std::string& text, const std::strin
     if (key.scalar != nullptr && !key.scalar->set) {
         failUsage("'" + text + "' is found at start-up and cannot be set");
     }
+    // An empty path names no directory: start-up puts the default back in its place, so it
+    // would be "changed" again by every run.
+    if (key.family != nullptr && key.family->paths && valueText.empty()) {
+        failUsage(text + ": the path is empty");
+    }
     const json value = key.scalar != nullptr ? parseValue(text, key.scalar->width, valueText)
                        : key.family->paths   ? parseValue(text, cfg::Width::Text, valueText)
                                              : parseFlag(text, valueText);

@@ -44,10 +44,10 @@ struct Lookup {
 struct Field {
     const char* label;
     const char* key;
-    nlohmann::json value;
+    nlohmann::ordered_json value;
 };
 
-std::string shown(const nlohmann::json& value) {
+std::string shown(const nlohmann::ordered_json& value) {
     if (value.is_boolean()) {
         return value.get<bool>() ? "yes" : "no";
     }
@@ -56,7 +56,7 @@ std::string shown(const nlohmann::json& value) {
 
 // Shows the row that answered, or says that none did: `document` holds the query, and gains
 // "found" and "row" (null when nothing matched). `missed` completes "no row matched ...".
-void answer(const Lookup& lookup, nlohmann::json document, const std::vector<Field>& row,
+void answer(const Lookup& lookup, nlohmann::ordered_json document, const std::vector<Field>& row,
             const std::string& missed, const std::string& note = std::string()) {
     document["found"] = !row.empty();
     document["row"] = nullptr;
@@ -116,7 +116,11 @@ void runCpid(const Lookup& lookup) {
                   {format::cpid::kSupport, "support", row.support()}};
     }
     answer(lookup, {{"chip", chip}, {"board", board}, {"boardDefault", fallback}}, fields,
-           "chip " + chipText + " board " + boardText + ", nor a board 00 row of the chip",
+           "chip " + chipText + " board " + boardText +
+               (board == format::kFallbackBoard
+                    ? std::string()
+                    : ", nor a board " + format::boardText(format::kFallbackBoard) +
+                          " row of the chip"),
            fallback ? "(no row for board " + boardText + "; this is the chip's default row)"
                     : std::string());
 }
