@@ -6,6 +6,7 @@
 #include "SourceFile.h"
 #include "ValueRules.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <set>
@@ -120,16 +121,25 @@ struct Scanner {
         }
     }
 
-    void checkChildren(const pugi::xml_node& node) {
-        for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling()) {
-            if (child.type() == pugi::node_pcdata) {
-                const std::size_t begin = file.offsetOf(child);
+    // Every element and text of the document, in the order of the file. A loop rather than
+    // recursion: pugixml parses elements nested far deeper than a call stack holds.
+    void checkTree(const pugi::xml_node& document) {
+        for (pugi::xml_node node = document.first_child(); node;) {
+            if (node.type() == pugi::node_pcdata) {
+                const std::size_t begin = file.offsetOf(node);
                 scan(begin, std::min(file.text().find('<', begin), file.text().size()),
-                     "the text of " + inQuotes(node.name()), nullptr);
-            } else if (child.type() == pugi::node_element) {
-                checkAttributes(child);
-                checkChildren(child);
+                     "the text of " + inQuotes(node.parent().name()), nullptr);
+            } else if (node.type() == pugi::node_element) {
+                checkAttributes(node);
+                if (node.first_child()) {
+                    node = node.first_child();
+                    continue;
+                }
             }
+            while (node != document && !node.next_sibling()) {
+                node = node.parent();
+            }
+            node = node == document ? pugi::xml_node() : node.next_sibling();
         }
     }
 
@@ -173,7 +183,7 @@ std::set<std::string> declaredEntities(const std::string& text) {
 } // namespace
 
 void checkXmlSyntax(SourceFile& file) {
-    Scanner{file, declaredEntities(file.text())}.checkChildren(file.document());
+    Scanner{file, declaredEntities(file.text())}.checkTree(file.document());
 }
 
 } // namespace pallix::check

@@ -1,3 +1,4 @@
+#include "Checkers.h"
 #include "ConfigDirectoryFiles.h"
 #include "FileKind.h"
 #include "FileNames.h"
@@ -214,4 +215,28 @@ TEST(ReleaseCheck, ANamedFileTakesThePlaceOfTheAddressOne) {
     EXPECT_EQ(references.front().path, elsewhere);
     EXPECT_TRUE(pallix::check::isReferenceName("RestoreVersion"));
     EXPECT_FALSE(pallix::check::isReferenceName("Firmware"));
+}
+
+TEST(CheckXml, ADeeplyNestedDocumentIsWalkedToTheBottom) {
+    // pugixml parses nesting far deeper than a call stack holds; the checker walks all of it.
+    const std::size_t depth = 100000;
+    std::string text = "<CRASH>";
+    for (std::size_t i = 0; i < depth; ++i) {
+        text += "<a>";
+    }
+    const std::size_t deepest = text.size();
+    text += "<b V=\"&nbsp;\"/>";
+    for (std::size_t i = 0; i < depth; ++i) {
+        text += "</a>";
+    }
+    text += "</CRASH>";
+    const auto findings = pallix::check::checkBytes("deep.xml", text, FileKind::Crash);
+    ASSERT_EQ(findings.size(), 3u);
+    // The one row, the outermost "a", has no texts.
+    EXPECT_NE(findings[0].message.find("has no REASON"), std::string::npos);
+    EXPECT_NE(findings[1].message.find("has no SOLUTION"), std::string::npos);
+    EXPECT_EQ(findings[2].line, 1u);
+    EXPECT_EQ(findings[2].column, deepest + 7);
+    EXPECT_NE(findings[2].message.find("\"&nbsp;\" is none of the five"), std::string::npos)
+        << findings[2].message;
 }
