@@ -240,3 +240,25 @@ TEST(CheckXml, ADeeplyNestedDocumentIsWalkedToTheBottom) {
     EXPECT_NE(findings[2].message.find("\"&nbsp;\" is none of the five"), std::string::npos)
         << findings[2].message;
 }
+
+TEST(CheckPositions, EveryKindOfLineBreakCountsOnce) {
+    const std::string rows[] = {"<CRASH>", "  <ROW KEY=\"A\" REASON=\"r\" SOLUTION=\"s\"/>",
+                                "  <ROW KEY=\"a\" REASON=\"r\" SOLUTION=\"s\"/>", "</CRASH>"};
+    for (const char* lineBreak : {"\n", "\r\n", "\r"}) {
+        std::string text;
+        for (const std::string& row : rows) {
+            text += row + lineBreak;
+        }
+        const auto findings = pallix::check::checkBytes("lines.xml", text, FileKind::Crash);
+        ASSERT_EQ(findings.size(), 1u);
+        EXPECT_EQ(findings[0].line, 3u);
+        EXPECT_EQ(findings[0].column, 8u);
+    }
+    // Mixed: "\r\n" is one break, a '\r' before a '\r' is one of its own.
+    const auto mixed = pallix::check::checkBytes(
+        "mixed.xml", rows[0] + "\r\r\n" + rows[1] + "\n" + rows[2] + "\r" + rows[3],
+        FileKind::Crash);
+    ASSERT_EQ(mixed.size(), 1u);
+    EXPECT_EQ(mixed[0].line, 4u);
+    EXPECT_EQ(mixed[0].column, 8u);
+}
