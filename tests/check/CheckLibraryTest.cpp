@@ -262,3 +262,33 @@ TEST(CheckPositions, EveryKindOfLineBreakCountsOnce) {
     EXPECT_EQ(mixed[0].line, 4u);
     EXPECT_EQ(mixed[0].column, 8u);
 }
+
+TEST(CheckValues, ABooleanIsReadByItsFirstCharacterAndANumberAfterItsBlanks) {
+    // The cloud document's flags and port, read as pugixml's as_bool and as_uint read them.
+    const auto valueFindings = [](const std::string& flag, const std::string& port) {
+        const std::string text = "<Nevor><Cooperate><HSB><SellStatus VALUE=\"" + flag +
+                                 "\"/><Authorize ServicePort=\"" + port +
+                                 "\"/></HSB></Cooperate></Nevor>";
+        std::vector<std::string> found;
+        for (const auto& finding : pallix::check::checkBytes("cloud.xml", text, FileKind::Cloud)) {
+            if (finding.message.find("SellStatus") != std::string::npos ||
+                finding.message.find("ServicePort") != std::string::npos) {
+                found.push_back(finding.message);
+            }
+        }
+        return found;
+    };
+    EXPECT_TRUE(valueFindings("TRUE", "80").empty());
+    EXPECT_TRUE(valueFindings("no", " 80 ").empty());
+    // "-0" is read as port 0, a port like any other.
+    EXPECT_TRUE(valueFindings("1", "-0").empty());
+    EXPECT_EQ(valueFindings(" true", "80"),
+              std::vector<std::string>{
+                  "SellStatus VALUE=\" true\" is not a boolean word; it is read as false"});
+    EXPECT_EQ(valueFindings("yes ", "80"),
+              std::vector<std::string>{
+                  "SellStatus VALUE=\"yes \" is not a boolean word; it is read as true"});
+    EXPECT_EQ(valueFindings("0", "-1"),
+              std::vector<std::string>{
+                  "ServicePort \"-1\" is not a port number from 0 to 65535; it is read as 0"});
+}

@@ -389,6 +389,17 @@ std::vector<Agreement> agreements() {
          }},
 
         // The chip identifier table.
+        {"cpid-boolean-with-blank.xml",
+         "",
+         1,
+         {{2, 85, "warning", "SUPPORT=\" true\" is not a boolean word; it is read as false"}},
+         [](const std::string& path) {
+             PRuntimeCpid table;
+             loadCpid(table, path);
+             const auto row = findCpid(table, 0x8020, 0x00);
+             ASSERT_TRUE(row);
+             EXPECT_FALSE(row->support());
+         }},
         {"cpid-duplicate-pair.xml",
          "",
          1,
