@@ -489,6 +489,33 @@ std::vector<Agreement> agreements() {
              // No board is ever written with a leading zero beyond two digits.
              EXPECT_EQ(text(wide->bdid()), "1AB");
          }},
+        {"cpid-second-root.xml",
+         "",
+         1,
+         {{4, 1, "error",
+           "another top-level element \"DEVICE\" after \"DEVICE\": the library's reader takes "
+           "only the first top-level \"DEVICE\" and reads nothing from this one; other XML "
+           "parsers reject the file"}},
+         [](const std::string& path) {
+             PRuntimeCpid table;
+             loadCpid(table, path);
+             EXPECT_TRUE(findCpid(table, 0x8020, 0x00));
+             EXPECT_FALSE(findCpid(table, 0x8030, 0x00));
+         }},
+        {"cpid-root-after-other-element.xml",
+         "cpid",
+         1,
+         {{2, 1, "error",
+           "another top-level element \"DEVICE\" after \"CRASH\": the library's reader looks up "
+           "its root \"DEVICE\" by name and reads it from this element, not from \"CRASH\"; "
+           "other XML parsers reject the file"}},
+         [](const std::string& path) {
+             PRuntimeCpid table;
+             loadCpid(table, path);
+             const auto row = findCpid(table, 0x8020, 0x00);
+             ASSERT_TRUE(row);
+             EXPECT_EQ(text(row->mode()), "iPhone 11");
+         }},
         {"wrong-root.xml",
          "cpid",
          1,
@@ -601,6 +628,51 @@ std::vector<Agreement> agreements() {
          "",
          1,
          {{2, 3, "warning", "text inside \"CRASH\" is not read"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             const std::vector<PRuntimeInfoCrash> rows = crashRows(table);
+             ASSERT_EQ(rows.size(), 1u);
+             EXPECT_EQ(text(rows[0].key()), "Timeout");
+         }},
+
+        {"crash-text-outside-root.xml",
+         "",
+         1,
+         {{1, 1, "error",
+           "text before the root element: the library's reader ignores it; other XML parsers "
+           "reject the file"},
+          {5, 1, "error", "text after the root element: the library's reader ignores it"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             const std::vector<PRuntimeInfoCrash> rows = crashRows(table);
+             ASSERT_EQ(rows.size(), 1u);
+             EXPECT_EQ(text(rows[0].key()), "Timeout");
+             EXPECT_EQ(text(rows[0].solution()), "s");
+         }},
+        {"crash-less-than-in-value.xml",
+         "",
+         1,
+         {{2, 32, "error",
+           "\"<\" inside the value of \"REASON\": the library's reader keeps it and reads REASON "
+           "as \"1 < 2\"; other XML parsers reject the file"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             const auto row = findCrash(table, "Timeout");
+             ASSERT_TRUE(row);
+             EXPECT_EQ(text(row->reason()), "1 < 2");
+         }},
+        {"crash-double-hyphen-comment.xml",
+         "",
+         1,
+         {{2, 13, "error",
+           "\"--\" inside a comment, which XML does not allow: the library's reader skips the "
+           "comment up to the first \"-->\"; other XML parsers reject the file"},
+          {4, 16, "error",
+           "a comment ending in \"--->\", which XML does not allow: the library's reader skips "
+           "the comment; other XML parsers reject the file"}},
          [](const std::string& path) {
              PRuntimeCrashCode table;
              ASSERT_TRUE(table.format(NString(path)));
