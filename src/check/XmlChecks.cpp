@@ -11,6 +11,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <strings.h>
 
 namespace pallix::check {
 
@@ -335,12 +336,87 @@ void checkTopLevelElements(SourceFile& file, const char* root) {
     }
 }
 
+// The length of the UTF-8 sequence at `at`, or 0 where the bytes are not UTF-8.
+std::size_t utf8Length(const std::string& text, std::size_t at) {
+    const auto byte = [&text](std::size_t i) {
+        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0u;
+    };
+    const unsigned lead = byte(at);
+    if (lead < 0x80) {
+        return 1;
+    }
+    const std::size_t length = lead >= 0xC2 && lead <= 0xDF   ? 2
+                               : lead >= 0xE0 && lead <= 0xEF ? 3
+                               : lead >= 0xF0 && lead <= 0xF4 ? 4
+                                                              : 0;
+    // The second byte's range rules out overlong forms, surrogates and points past U+10FFFF.
+    const unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    const unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    if (length == 0 || byte(at + 1) < low || byte(at + 1) > high) {
+        return 0;
+    }
+    for (std::size_t i = 2; i < length; ++i) {
+        if ((byte(at + i) & 0xC0) != 0x80) {
+            return 0;
+        }
+    }
+    return length;
+}
+
+// pugixml is told that every file is UTF-8: it neither reads the declaration's encoding nor
+// checks the bytes, and keeps those that are not UTF-8 as they are.
+void checkEncoding(SourceFile& file) {
+    const std::string& text = file.text();
+    const std::size_t start = afterByteOrderMark(text);
+    std::string declared;
+    if (text.compare(start, 5, "<?xml") == 0 && start + 5 < text.size() &&
+        std::strchr(" \t\r\n", text[start + 5]) != nullptr) {
+        const std::size_t end = std::min(text.find("?>", start), text.size());
+        const std::size_t name = text.find("encoding", start);
+        std::size_t at = name < end ? text.find_first_not_of(" \t\r\n", name + 8) : end;
+        at = at < end && text[at] == '=' ? text.find_first_not_of(" \t\r\n", at + 1) : end;
+        const std::size_t close =
+            at < end && (text[at] == '"' || text[at] == '\'') ? text.find(text[at], at + 1) : end;
+        if (close < end) {
+            declared = text.substr(at + 1, close - at - 1);
+            if (strcasecmp(declared.c_str(), "UTF-8") == 0 ||
+                strcasecmp(declared.c_str(), "UTF8") == 0) {
+                declared.clear();
+            } else {
+                file.error(at + 1, "the XML declaration names the encoding " + inQuotes(declared) +
+                                       ": the library reads the file as UTF-8 whatever the "
+                                       "declaration says, where other XML parsers read it as " +
+                                       inQuotes(declared));
+            }
+        }
+    }
+    for (std::size_t at = start; at < text.size();) {
+        const std::size_t length = utf8Length(text, at);
+        if (length == 0) {
+            char byte[8];
+            std::snprintf(byte, sizeof byte, "0x%02X", static_cast<unsigned char>(text[at]));
+            file.error(at,
+                       std::string("byte ") + byte +
+                           " is not UTF-8 (the first such byte in the file): the library "
+                           "reads the file as UTF-8 and keeps the byte unchanged in the "
+                           "text it reads" +
+                           (declared.empty() ? std::string(kOthersReject)
+                                             : ", where other XML parsers read it in the declared "
+                                               "encoding " +
+                                                   inQuotes(declared)));
+            return;
+        }
+        at += length;
+    }
+}
+
 } // namespace
 
 void checkXmlSyntax(SourceFile& file, const char* root) {
     Scanner{file, declaredEntities(file.text())}.checkTree(file.document());
     checkTopLevelElements(file, root);
     Markup(file).check();
+    checkEncoding(file);
 }
 
 } // namespace pallix::check

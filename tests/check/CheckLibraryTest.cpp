@@ -292,3 +292,23 @@ TEST(CheckValues, ABooleanIsReadByItsFirstCharacterAndANumberAfterItsBlanks) {
               std::vector<std::string>{
                   "ServicePort \"-1\" is not a port number from 0 to 65535; it is read as 0"});
 }
+
+TEST(CheckXml, TheFirstByteThatIsNotUtf8IsFound) {
+    const std::string row = "<CRASH><ROW KEY=\"K\xC3\xA9\xF0\x9F\x98\x80\" REASON=\"";
+    // An overlong form, a surrogate, a lone continuation byte: none is UTF-8.
+    for (const char* bad : {"\xC0\x80", "\xED\xA0\x80", "\x80"}) {
+        const auto findings = pallix::check::checkBytes(
+            "bytes.xml", row + "r" + bad + "\xFF\" SOLUTION=\"s\"/></CRASH>", FileKind::Crash);
+        ASSERT_EQ(findings.size(), 1u);
+        EXPECT_EQ(findings[0].column, row.size() + 2);
+        EXPECT_EQ(findings[0].message.rfind("byte 0x", 0), 0u) << findings[0].message;
+        EXPECT_NE(findings[0].message.find("keeps the byte unchanged in the text it reads; other "
+                                           "XML parsers reject the file"),
+                  std::string::npos)
+            << findings[0].message;
+    }
+    const std::string declared = "<?xml version='1.0' encoding='UTF-8'?>\n";
+    EXPECT_TRUE(pallix::check::checkBytes(
+                    "fine.xml", declared + row + "r\" SOLUTION=\"s\"/></CRASH>", FileKind::Crash)
+                    .empty());
+}

@@ -680,6 +680,23 @@ std::vector<Agreement> agreements() {
              ASSERT_EQ(rows.size(), 1u);
              EXPECT_EQ(text(rows[0].key()), "Timeout");
          }},
+        {"crash-declared-encoding.xml",
+         "",
+         1,
+         {{1, 31, "error",
+           "the XML declaration names the encoding \"ISO-8859-1\": the library reads the file as "
+           "UTF-8 whatever the declaration says"},
+          {3, 33, "error",
+           "byte 0xE9 is not UTF-8 (the first such byte in the file): the library reads the file "
+           "as UTF-8 and keeps the byte unchanged in the text it reads"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             const auto row = findCrash(table, "Timeout");
+             ASSERT_TRUE(row);
+             // The byte as written, not the "\xC3\xA9" of the declared encoding's e acute.
+             EXPECT_EQ(text(row->reason()), "Caf\xE9");
+         }},
 
         // The restore error table.
         {"restore-bad-code.xml",
