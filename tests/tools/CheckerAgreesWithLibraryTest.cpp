@@ -554,6 +554,25 @@ std::vector<Agreement> agreements() {
                  EXPECT_EQ(text(row->key()), "AMRestore") << query;
              }
          }},
+        {"crash-key-contains-earlier-key.xml",
+         "",
+         1,
+         {{3, 8, "warning",
+           "every text that contains KEY \"AMRestore\" also contains the earlier KEY "
+           "\"Restore\", whose row comes first"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             for (const char* query : {"AMRestore", "amrestore failed", "Restore"}) {
+                 const auto row = findCrash(table, query);
+                 ASSERT_TRUE(row) << query;
+                 EXPECT_EQ(text(row->key()), "Restore") << query;
+             }
+             // Found only for a text that its key contains and the earlier key does not match.
+             const auto later = findCrash(table, "AMR");
+             ASSERT_TRUE(later);
+             EXPECT_EQ(text(later->key()), "AMRestore");
+         }},
         {"crash-empty-key.xml",
          "",
          1,
