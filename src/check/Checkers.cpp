@@ -172,7 +172,7 @@ std::string checkFile(SourceFile& file, std::optional<FileKind> kind) {
             return ambiguity;
         }
     }
-    checkXmlSyntax(file);
+    checkXmlSyntax(file, kind ? kindOf(*kind).root : nullptr);
     // Without its own root (or, for a root no reader takes, any kind) nothing more is read.
     const pugi::xml_node root = kind ? requireRoot(file, kindOf(*kind).root) : pugi::xml_node();
     if (root) {

@@ -21,8 +21,9 @@ std::string checkFile(SourceFile& file, std::optional<FileKind> kind);
 std::vector<Finding> checkBytes(const std::string& name, const std::string& bytes, FileKind kind);
 
 // What the library's XML reader makes of any file: references that XML does not allow,
-// repeated attributes.
-void checkXmlSyntax(SourceFile& file);
+// repeated attributes, markup that other XML parsers refuse, bytes that are not UTF-8. `root`
+// names the root element that the file's reader looks up, null when no reader takes the file.
+void checkXmlSyntax(SourceFile& file, const char* root);
 
 // One checker per kind, given the root element that the kind's reader looks for.
 void checkCloud(SourceFile& file, const pugi::xml_node& root);

@@ -12,6 +12,7 @@
 #include <iterator>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace pallix::check {
@@ -60,15 +61,25 @@ const std::vector<Element>& documentElements() {
     return elements;
 }
 
-void checkElements(SourceFile& file, const pugi::xml_node& parent,
+// The elements in the order of the table, each looked up under its parent; a stack of the
+// elements still to visit rather than recursion, as every walk of the checker.
+void checkElements(SourceFile& file, const pugi::xml_node& root,
                    const std::vector<Element>& elements) {
-    for (const Element& element : elements) {
-        warnAboutRepeatedElements(file, parent, {element.name}, nullptr);
-        const pugi::xml_node node = parent.child(element.name);
-        for (const auto& [attribute, kind] : element.values) {
+    std::vector<std::pair<pugi::xml_node, const Element*>> pending;
+    for (auto element = elements.rbegin(); element != elements.rend(); ++element) {
+        pending.emplace_back(root, &*element);
+    }
+    while (!pending.empty()) {
+        const auto [parent, element] = pending.back();
+        pending.pop_back();
+        warnAboutRepeatedElements(file, parent, {element->name}, nullptr);
+        const pugi::xml_node node = parent.child(element->name);
+        for (const auto& [attribute, kind] : element->values) {
             checkValue(file, node, attribute, kind);
         }
-        checkElements(file, node, element.children);
+        for (auto child = element->children.rbegin(); child != element->children.rend(); ++child) {
+            pending.emplace_back(node, &*child);
+        }
     }
 }
 

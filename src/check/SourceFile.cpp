@@ -54,8 +54,13 @@ void SourceFile::malformed(std::size_t offset, const std::string& message) {
 
 void SourceFile::report(std::size_t offset, Severity severity, const std::string& message) {
     if (m_lineStarts.empty()) {
+        // Lines end as XML ends them: "\r\n", a lone '\r' or '\n', each one line break.
         m_lineStarts.push_back(0);
-        for (auto i = m_text.find('\n'); i != std::string::npos; i = m_text.find('\n', i + 1)) {
+        for (auto i = m_text.find_first_of("\r\n"); i != std::string::npos;
+             i = m_text.find_first_of("\r\n", i + 1)) {
+            if (m_text[i] == '\r' && i + 1 < m_text.size() && m_text[i + 1] == '\n') {
+                ++i;
+            }
             m_lineStarts.push_back(i + 1);
         }
     }

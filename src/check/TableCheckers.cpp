@@ -9,10 +9,13 @@
 #include "TableFormats.h"
 
 #include <cstdlib>
+#include <deque>
 #include <initializer_list>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 namespace pallix::check {
@@ -94,10 +97,58 @@ void checkCpid(SourceFile& file, const pugi::xml_node& root) {
     }
 }
 
+// The earliest of the keys seen so far that a folded key contains, other than itself: every
+// text that contains the key contains that one too. Looked up window by window, one window
+// length per length of the keys seen, so a table of thousands of rows stays quick.
+class EarlierKeys {
+public:
+    // Adds the key; false when it repeats one already seen.
+    bool add(const std::string& folded, const std::string& written) {
+        m_texts.push_back(folded);
+        if (!m_keys.emplace(m_texts.back(), Key{m_keys.size(), written}).second) {
+            m_texts.pop_back();
+            return false;
+        }
+        m_lengths.insert(folded.size());
+        return true;
+    }
+    const std::string& written(const std::string& folded) const {
+        return m_keys.at(folded).written;
+    }
+
+    // The earliest key, before this one, that `folded` contains; null when there is none.
+    const std::string* containedIn(const std::string& folded) const {
+        const std::string_view text(folded);
+        const Key* earliest = nullptr;
+        for (const std::size_t length : m_lengths) {
+            if (length >= text.size()) {
+                break;
+            }
+            for (std::size_t at = 0; at + length <= text.size(); ++at) {
+                const auto found = m_keys.find(text.substr(at, length));
+                if (found != m_keys.end() &&
+                    (earliest == nullptr || found->second.row < earliest->row)) {
+                    earliest = &found->second;
+                }
+            }
+        }
+        return earliest != nullptr ? &earliest->written : nullptr;
+    }
+
+private:
+    struct Key {
+        std::size_t row;
+        std::string written;
+    };
+    std::deque<std::string> m_texts; // the folded keys, where the map's views point
+    std::unordered_map<std::string_view, Key> m_keys;
+    std::set<std::size_t> m_lengths;
+};
+
 void checkCrash(SourceFile& file, const pugi::xml_node& root) {
     namespace crash = format::crash;
     const std::string key = crash::kKey;
-    std::map<std::string, std::string> keys; // folded -> as first written
+    EarlierKeys keys;
     bool shadowed = false;
     for (const pugi::xml_node& row : entries(file, root, kTextIsNotRead)) {
         const std::string text = row.attribute(crash::kKey).value();
@@ -109,8 +160,11 @@ void checkCrash(SourceFile& file, const pugi::xml_node& root) {
             file.warning(file.offsetOf(row), "this row is never found: an earlier row with an "
                                              "empty " +
                                                  key + " matches every text first");
-        } else if (text.empty()) {
-            // The table finds the first row whose key the failure's text contains.
+            continue;
+        }
+        if (text.empty()) {
+            // The table finds the first row whose key the failure's text contains, or which
+            // contains the text.
             if (row.next_sibling()) {
                 file.error(file.offsetOf(row, crash::kKey),
                            "empty " + key +
@@ -118,13 +172,22 @@ void checkCrash(SourceFile& file, const pugi::xml_node& root) {
                                "found");
             }
             shadowed = true;
-        } else if (const auto [first, added] =
-                       keys.emplace(NString(text).foldCase().toStdString(), text);
-                   !added) {
-            // Compared ignoring case as the framework's string folds it.
+            continue;
+        }
+        // Compared ignoring case as the framework's string folds it.
+        const std::string folded = NString(text).foldCase().toStdString();
+        if (!keys.add(folded, text)) {
             file.warning(file.offsetOf(row, crash::kKey),
-                         key + " " + inQuotes(text) + " repeats " + inQuotes(first->second) +
+                         key + " " + inQuotes(text) + " repeats " + inQuotes(keys.written(folded)) +
                              " (case ignored); this later row is never found");
+        } else if (const std::string* earlier = keys.containedIn(folded)) {
+            // A text that contains this key finds the earlier row; a text that this key
+            // contains may still find this row.
+            file.warning(file.offsetOf(row, crash::kKey),
+                         "this row is found only for a text that its " + key +
+                             " contains: every text that contains " + key + " " + inQuotes(text) +
+                             " also contains the earlier " + key + " " + inQuotes(*earlier) +
+                             ", whose row comes first");
         }
     }
 }

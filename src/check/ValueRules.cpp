@@ -65,7 +65,9 @@ void checkWholeNumber(SourceFile& file, const pugi::xml_attribute& attribute, Va
     const std::optional<WholeNumber> value = wholeNumber(attribute.value());
     const std::string read = readAs(attribute, kind, fallback);
     if (kind == ValueKind::Port) {
-        if (!value || value->negative || value->overflow || value->magnitude > format::kPortMax) {
+        // "-0" is read as 0, as pugixml's unsigned conversion reads it.
+        if (!value || (value->negative && value->magnitude != 0) || value->overflow ||
+            value->magnitude > format::kPortMax) {
             file.error(file.offsetOf(attribute),
                        std::string(attribute.name()) + " " + inQuotes(attribute.value()) +
                            " is not a port number from 0 to " + std::to_string(format::kPortMax) +
@@ -133,10 +135,10 @@ void checkValue(SourceFile& file, const pugi::xml_node& node, const char* name, 
         return;
     }
     if (kind == ValueKind::Boolean) {
-        // A boolean written otherwise is read by its first letter only.
-        const std::string word = trimmed(text);
+        // A boolean written otherwise is read by its first character only, blanks included:
+        // " true" is read as false.
         for (const char* known : {"true", "false", "yes", "no", "1", "0"}) {
-            if (strcasecmp(word.c_str(), known) == 0) {
+            if (strcasecmp(text.c_str(), known) == 0) {
                 return;
             }
         }

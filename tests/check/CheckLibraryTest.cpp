@@ -1,3 +1,4 @@
+#include "Checkers.h"
 #include "ConfigDirectoryFiles.h"
 #include "FileKind.h"
 #include "FileNames.h"
@@ -214,4 +215,100 @@ TEST(ReleaseCheck, ANamedFileTakesThePlaceOfTheAddressOne) {
     EXPECT_EQ(references.front().path, elsewhere);
     EXPECT_TRUE(pallix::check::isReferenceName("RestoreVersion"));
     EXPECT_FALSE(pallix::check::isReferenceName("Firmware"));
+}
+
+TEST(CheckXml, ADeeplyNestedDocumentIsWalkedToTheBottom) {
+    // pugixml parses nesting far deeper than a call stack holds; the checker walks all of it.
+    const std::size_t depth = 100000;
+    std::string text = "<CRASH>";
+    for (std::size_t i = 0; i < depth; ++i) {
+        text += "<a>";
+    }
+    const std::size_t deepest = text.size();
+    text += "<b V=\"&nbsp;\"/>";
+    for (std::size_t i = 0; i < depth; ++i) {
+        text += "</a>";
+    }
+    text += "</CRASH>";
+    const auto findings = pallix::check::checkBytes("deep.xml", text, FileKind::Crash);
+    ASSERT_EQ(findings.size(), 3u);
+    // The one row, the outermost "a", has no texts.
+    EXPECT_NE(findings[0].message.find("has no REASON"), std::string::npos);
+    EXPECT_NE(findings[1].message.find("has no SOLUTION"), std::string::npos);
+    EXPECT_EQ(findings[2].line, 1u);
+    EXPECT_EQ(findings[2].column, deepest + 7);
+    EXPECT_NE(findings[2].message.find("\"&nbsp;\" is none of the five"), std::string::npos)
+        << findings[2].message;
+}
+
+TEST(CheckPositions, EveryKindOfLineBreakCountsOnce) {
+    const std::string rows[] = {"<CRASH>", "  <ROW KEY=\"A\" REASON=\"r\" SOLUTION=\"s\"/>",
+                                "  <ROW KEY=\"a\" REASON=\"r\" SOLUTION=\"s\"/>", "</CRASH>"};
+    for (const char* lineBreak : {"\n", "\r\n", "\r"}) {
+        std::string text;
+        for (const std::string& row : rows) {
+            text += row + lineBreak;
+        }
+        const auto findings = pallix::check::checkBytes("lines.xml", text, FileKind::Crash);
+        ASSERT_EQ(findings.size(), 1u);
+        EXPECT_EQ(findings[0].line, 3u);
+        EXPECT_EQ(findings[0].column, 8u);
+    }
+    // Mixed: "\r\n" is one break, a '\r' before a '\r' is one of its own.
+    const auto mixed = pallix::check::checkBytes(
+        "mixed.xml", rows[0] + "\r\r\n" + rows[1] + "\n" + rows[2] + "\r" + rows[3],
+        FileKind::Crash);
+    ASSERT_EQ(mixed.size(), 1u);
+    EXPECT_EQ(mixed[0].line, 4u);
+    EXPECT_EQ(mixed[0].column, 8u);
+}
+
+TEST(CheckValues, ABooleanIsReadByItsFirstCharacterAndANumberAfterItsBlanks) {
+    // The cloud document's flags and port, read as pugixml's as_bool and as_uint read them.
+    const auto valueFindings = [](const std::string& flag, const std::string& port) {
+        const std::string text = "<Nevor><Cooperate><HSB><SellStatus VALUE=\"" + flag +
+                                 "\"/><Authorize ServicePort=\"" + port +
+                                 "\"/></HSB></Cooperate></Nevor>";
+        std::vector<std::string> found;
+        for (const auto& finding : pallix::check::checkBytes("cloud.xml", text, FileKind::Cloud)) {
+            if (finding.message.find("SellStatus") != std::string::npos ||
+                finding.message.find("ServicePort") != std::string::npos) {
+                found.push_back(finding.message);
+            }
+        }
+        return found;
+    };
+    EXPECT_TRUE(valueFindings("TRUE", "80").empty());
+    EXPECT_TRUE(valueFindings("no", " 80 ").empty());
+    // "-0" is read as port 0, a port like any other.
+    EXPECT_TRUE(valueFindings("1", "-0").empty());
+    EXPECT_EQ(valueFindings(" true", "80"),
+              std::vector<std::string>{
+                  "SellStatus VALUE=\" true\" is not a boolean word; it is read as false"});
+    EXPECT_EQ(valueFindings("yes ", "80"),
+              std::vector<std::string>{
+                  "SellStatus VALUE=\"yes \" is not a boolean word; it is read as true"});
+    EXPECT_EQ(valueFindings("0", "-1"),
+              std::vector<std::string>{
+                  "ServicePort \"-1\" is not a port number from 0 to 65535; it is read as 0"});
+}
+
+TEST(CheckXml, TheFirstByteThatIsNotUtf8IsFound) {
+    const std::string row = "<CRASH><ROW KEY=\"K\xC3\xA9\xF0\x9F\x98\x80\" REASON=\"";
+    // An overlong form, a surrogate, a lone continuation byte: none is UTF-8.
+    for (const char* bad : {"\xC0\x80", "\xED\xA0\x80", "\x80"}) {
+        const auto findings = pallix::check::checkBytes(
+            "bytes.xml", row + "r" + bad + "\xFF\" SOLUTION=\"s\"/></CRASH>", FileKind::Crash);
+        ASSERT_EQ(findings.size(), 1u);
+        EXPECT_EQ(findings[0].column, row.size() + 2);
+        EXPECT_EQ(findings[0].message.rfind("byte 0x", 0), 0u) << findings[0].message;
+        EXPECT_NE(findings[0].message.find("keeps the byte unchanged in the text it reads; other "
+                                           "XML parsers reject the file"),
+                  std::string::npos)
+            << findings[0].message;
+    }
+    const std::string declared = "<?xml version='1.0' encoding='UTF-8'?>\n";
+    EXPECT_TRUE(pallix::check::checkBytes(
+                    "fine.xml", declared + row + "r\" SOLUTION=\"s\"/></CRASH>", FileKind::Crash)
+                    .empty());
 }

@@ -389,6 +389,17 @@ std::vector<Agreement> agreements() {
          }},
 
         // The chip identifier table.
+        {"cpid-boolean-with-blank.xml",
+         "",
+         1,
+         {{2, 85, "warning", "SUPPORT=\" true\" is not a boolean word; it is read as false"}},
+         [](const std::string& path) {
+             PRuntimeCpid table;
+             loadCpid(table, path);
+             const auto row = findCpid(table, 0x8020, 0x00);
+             ASSERT_TRUE(row);
+             EXPECT_FALSE(row->support());
+         }},
         {"cpid-duplicate-pair.xml",
          "",
          1,
@@ -478,6 +489,33 @@ std::vector<Agreement> agreements() {
              // No board is ever written with a leading zero beyond two digits.
              EXPECT_EQ(text(wide->bdid()), "1AB");
          }},
+        {"cpid-second-root.xml",
+         "",
+         1,
+         {{4, 1, "error",
+           "another top-level element \"DEVICE\" after \"DEVICE\": the library's reader takes "
+           "only the first top-level \"DEVICE\" and reads nothing from this one; other XML "
+           "parsers reject the file"}},
+         [](const std::string& path) {
+             PRuntimeCpid table;
+             loadCpid(table, path);
+             EXPECT_TRUE(findCpid(table, 0x8020, 0x00));
+             EXPECT_FALSE(findCpid(table, 0x8030, 0x00));
+         }},
+        {"cpid-root-after-other-element.xml",
+         "cpid",
+         1,
+         {{2, 1, "error",
+           "another top-level element \"DEVICE\" after \"CRASH\": the library's reader looks up "
+           "its root \"DEVICE\" by name and reads it from this element, not from \"CRASH\"; "
+           "other XML parsers reject the file"}},
+         [](const std::string& path) {
+             PRuntimeCpid table;
+             loadCpid(table, path);
+             const auto row = findCpid(table, 0x8020, 0x00);
+             ASSERT_TRUE(row);
+             EXPECT_EQ(text(row->mode()), "iPhone 11");
+         }},
         {"wrong-root.xml",
          "cpid",
          1,
@@ -515,6 +553,25 @@ std::vector<Agreement> agreements() {
                  ASSERT_TRUE(row) << query;
                  EXPECT_EQ(text(row->key()), "AMRestore") << query;
              }
+         }},
+        {"crash-key-contains-earlier-key.xml",
+         "",
+         1,
+         {{3, 8, "warning",
+           "every text that contains KEY \"AMRestore\" also contains the earlier KEY "
+           "\"Restore\", whose row comes first"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             for (const char* query : {"AMRestore", "amrestore failed", "Restore"}) {
+                 const auto row = findCrash(table, query);
+                 ASSERT_TRUE(row) << query;
+                 EXPECT_EQ(text(row->key()), "Restore") << query;
+             }
+             // Found only for a text that its key contains and the earlier key does not match.
+             const auto later = findCrash(table, "AMR");
+             ASSERT_TRUE(later);
+             EXPECT_EQ(text(later->key()), "AMRestore");
          }},
         {"crash-empty-key.xml",
          "",
@@ -596,6 +653,68 @@ std::vector<Agreement> agreements() {
              const std::vector<PRuntimeInfoCrash> rows = crashRows(table);
              ASSERT_EQ(rows.size(), 1u);
              EXPECT_EQ(text(rows[0].key()), "Timeout");
+         }},
+
+        {"crash-text-outside-root.xml",
+         "",
+         1,
+         {{1, 1, "error",
+           "text before the root element: the library's reader ignores it; other XML parsers "
+           "reject the file"},
+          {5, 1, "error", "text after the root element: the library's reader ignores it"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             const std::vector<PRuntimeInfoCrash> rows = crashRows(table);
+             ASSERT_EQ(rows.size(), 1u);
+             EXPECT_EQ(text(rows[0].key()), "Timeout");
+             EXPECT_EQ(text(rows[0].solution()), "s");
+         }},
+        {"crash-less-than-in-value.xml",
+         "",
+         1,
+         {{2, 32, "error",
+           "\"<\" inside the value of \"REASON\": the library's reader keeps it and reads REASON "
+           "as \"1 < 2\"; other XML parsers reject the file"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             const auto row = findCrash(table, "Timeout");
+             ASSERT_TRUE(row);
+             EXPECT_EQ(text(row->reason()), "1 < 2");
+         }},
+        {"crash-double-hyphen-comment.xml",
+         "",
+         1,
+         {{2, 13, "error",
+           "\"--\" inside a comment, which XML does not allow: the library's reader skips the "
+           "comment up to the first \"-->\"; other XML parsers reject the file"},
+          {4, 16, "error",
+           "a comment ending in \"--->\", which XML does not allow: the library's reader skips "
+           "the comment; other XML parsers reject the file"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             const std::vector<PRuntimeInfoCrash> rows = crashRows(table);
+             ASSERT_EQ(rows.size(), 1u);
+             EXPECT_EQ(text(rows[0].key()), "Timeout");
+         }},
+        {"crash-declared-encoding.xml",
+         "",
+         1,
+         {{1, 31, "error",
+           "the XML declaration names the encoding \"ISO-8859-1\": the library reads the file as "
+           "UTF-8 whatever the declaration says"},
+          {3, 33, "error",
+           "byte 0xE9 is not UTF-8 (the first such byte in the file): the library reads the file "
+           "as UTF-8 and keeps the byte unchanged in the text it reads"}},
+         [](const std::string& path) {
+             PRuntimeCrashCode table;
+             ASSERT_TRUE(table.format(NString(path)));
+             const auto row = findCrash(table, "Timeout");
+             ASSERT_TRUE(row);
+             // The byte as written, not the "\xC3\xA9" of the declared encoding's e acute.
+             EXPECT_EQ(text(row->reason()), "Caf\xE9");
          }},
 
         // The restore error table.
