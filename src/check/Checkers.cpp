@@ -85,16 +85,19 @@ std::optional<FileKind> xmlKind(SourceFile& file, std::string& ambiguity) {
         ambiguity = "cannot tell whether this is the port bindings or the custom firmware list: "
                     "its root " +
                     inQuotes(name) + " has neither " + inQuotes(format::portbind::kList) + " nor " +
-                    inQuotes(format::custom_firmware::kList) + "; name its kind with --kind";
+                    inQuotes(format::custom_firmware::kList) +
+                    "; 'pallix check --kind KIND' checks it as one of them";
         return std::nullopt;
     }
     if (name == format::cloud::kRoot || name == cfg::kRoot || name == format::notify::kRoot ||
         name == format::plugin_mapping::kRoot) {
         const std::optional<FileKind> kind = nevorKind(root);
         if (!kind) {
-            ambiguity = "cannot tell what kind of file this is: its root " + inQuotes(name) +
-                        " is shared by the cloud document, the plug-in mapping, the "
-                        "configuration and the notifications; name its kind with --kind";
+            ambiguity =
+                "cannot tell what kind of file this is: its root " + inQuotes(name) +
+                " is shared by the cloud document, the plug-in mapping, the "
+                "configuration and the notifications; 'pallix check --kind KIND' checks it as "
+                "one of them";
         }
         return kind;
     }
@@ -107,7 +110,7 @@ std::optional<FileKind> xmlKind(SourceFile& file, std::string& ambiguity) {
     file.error(file.offsetOf(root),
                "the root element " + inQuotes(name) +
                    " is none that the library reads: no table, document or store takes "
-                   "anything from this file; name its kind with --kind to check it as one");
+                   "anything from this file ('pallix check --kind KIND' checks it as one of them)");
     return std::nullopt;
 }
 
