@@ -336,33 +336,6 @@ void checkTopLevelElements(SourceFile& file, const char* root) {
     }
 }
 
-// The length of the UTF-8 sequence at `at`, or 0 where the bytes are not UTF-8.
-std::size_t utf8Length(const std::string& text, std::size_t at) {
-    const auto byte = [&text](std::size_t i) {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0u;
-    };
-    const unsigned lead = byte(at);
-    if (lead < 0x80) {
-        return 1;
-    }
-    const std::size_t length = lead >= 0xC2 && lead <= 0xDF   ? 2
-                               : lead >= 0xE0 && lead <= 0xEF ? 3
-                               : lead >= 0xF0 && lead <= 0xF4 ? 4
-                                                              : 0;
-    // The second byte's range rules out overlong forms, surrogates and points past U+10FFFF.
-    const unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    const unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    if (length == 0 || byte(at + 1) < low || byte(at + 1) > high) {
-        return 0;
-    }
-    for (std::size_t i = 2; i < length; ++i) {
-        if ((byte(at + i) & 0xC0) != 0x80) {
-            return 0;
-        }
-    }
-    return length;
-}
-
 // pugixml is told that every file is UTF-8: it neither reads the declaration's encoding nor
 // checks the bytes, and keeps those that are not UTF-8 as they are.
 void checkEncoding(SourceFile& file) {
@@ -391,8 +364,7 @@ void checkEncoding(SourceFile& file) {
         }
     }
     for (std::size_t at = start; at < text.size();) {
-        const std::size_t length = utf8Length(text, at);
-        if (length == 0) {
+        if (format::decodeUtf8(text, at) < 0) {
             char byte[8];
             std::snprintf(byte, sizeof byte, "0x%02X", static_cast<unsigned char>(text[at]));
             file.error(at,
@@ -406,7 +378,6 @@ void checkEncoding(SourceFile& file) {
                                                    inQuotes(declared)));
             return;
         }
-        at += length;
     }
 }
 

@@ -5,9 +5,6 @@
 
 namespace pallix::format {
 
-namespace {
-
-// The code point of the UTF-8 sequence at `at`, advancing past it; -1 for malformed bytes.
 long decodeUtf8(const std::string& text, std::size_t& at) {
     const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char lead = byte(at);
@@ -44,8 +41,6 @@ long decodeUtf8(const std::string& text, std::size_t& at) {
     at += length;
     return point;
 }
-
-} // namespace
 
 int readInt32(const pugi::xml_attribute& attribute, int fallback) {
     return attribute.as_int(fallback);
@@ -114,7 +109,7 @@ std::string xmlTextProblem(const std::string& text) {
         }
         if (!isXmlCharacter(static_cast<unsigned long long>(point))) {
             char name[16];
-            std::snprintf(name, sizeof name, "U+%04lX", static_cast<unsigned long>(point));
+            std::snprintf(name, sizeof name, "U+%04X", static_cast<unsigned>(point));
             return std::string("character ") + name + ", which an XML 1.0 file cannot carry";
         }
     }

@@ -63,10 +63,13 @@ constexpr bool isXmlCharacter(unsigned long long point) {
     return point == 0x9 || point == 0xA || point == 0xD || (point >= 0x20 && point <= 0xD7FF) ||
            (point >= 0xE000 && point <= 0xFFFD) || (point >= 0x10000 && point <= 0x10FFFF);
 }
+// The code point of the UTF-8 sequence at `at`, advancing past it; -1 for bytes that are not
+// UTF-8 (overlong forms, surrogates and points past U+10FFFF included), leaving `at` on them.
+long decodeUtf8(const std::string& text, std::size_t& at);
 // Why a text cannot be carried by an XML 1.0 document (bytes that are not UTF-8, or a character
 // that XML does not allow, such as a control character other than tab, line feed and carriage
-// return), as a noun phrase ("a byte that is not UTF-8 (byte 3)"); empty when it can. The library's writer would write such a character as a reference
-// that other XML parsers refuse.
+// return), as a noun phrase ("a byte that is not UTF-8 (byte 3)"); empty when it can. The
+// library's writer would write such a character as a reference that other XML parsers refuse.
 std::string xmlTextProblem(const std::string& text);
 
 } // namespace pallix::format

@@ -18,10 +18,10 @@ struct Directories {
 // it. (Asking the application for it would create it.)
 extern const std::string kOwnConfigDirectory;
 
-void addConfigDirectoryOption(CLI::App& command, std::string& directory);
 // Refuses an empty path, which would otherwise mean the application's own directory: an unset
-// variable in a script must not reach the user's real files.
+// variable in a script must not reach the user's real files. Every directory option has it.
 CLI::Validator DirectoryPath();
+void addConfigDirectoryOption(CLI::App& command, std::string& directory);
 void addResourcesDirectoryOption(CLI::App& command, std::string& directory);
 
 // Makes the directory the application's configuration (or resources) directory after checking
