@@ -50,9 +50,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
 
     const std::vector<pallix::check::Finding> findings = check(text, kind);
+    // A line ends at "\r\n", a lone '\r' or a '\n', as XML ends lines.
     std::size_t lines = 1;
-    for (char c : text) {
-        lines += c == '\n' ? 1 : 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n' || (text[i] == '\r' && (i + 1 == text.size() || text[i + 1] != '\n'))) {
+            ++lines;
+        }
     }
     for (std::size_t i = 0; i < findings.size(); ++i) {
         const pallix::check::Finding& finding = findings[i];
