@@ -297,6 +297,18 @@ TEST(ToolDate, RefusesInstantsOutsideTheHelpersRange) {
     }
 }
 
+TEST(ToolDate, DayThatBeganBeforeTheEpoch) {
+    // The epoch is 1969-12-31 19:00 in New York: that day began before the helpers' range.
+    ToolResult result = runInZone({"date", "0"}, "America/New_York");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "date: 1969-12-31\nday starts at: before 0 (1970-01-01 00:00 UTC), "
+                             "which the date helpers cannot count\n");
+    result = runInZone({"date", "0", "--json"}, "America/New_York");
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "{\n  \"seconds\": 0,\n  \"date\": \"1969-12-31\",\n"
+                             "  \"dayStart\": null\n}\n");
+}
+
 TEST(ToolDate, Json) {
     const ToolResult result = runInZone({"date", "1704139200", "--json"}, "Asia/Shanghai");
     EXPECT_EQ(result.status, 0) << result.errors;
@@ -347,9 +359,17 @@ TEST(ToolPassword, Json) {
     EXPECT_EQ(result.errors, "");
 }
 
+TEST(ToolPassword, CountsUtf16UnitsAsItsHelpSays) {
+    // Four characters, two of them beyond U+FFFF: six UTF-16 units, so long enough.
+    EXPECT_EQ(runTool({"password", "ab\xF0\x9F\x98\x80\xF0\x9F\x98\x80"}).output, "accepted\n");
+    EXPECT_EQ(runTool({"password", "a\xF0\x9F\x98\x80\xF0\x9F\x98\x80"}).output, "rejected\n");
+    EXPECT_NE(runTool({"password", "--help"}).output.find("6 to 32 UTF-16 units"),
+              std::string::npos);
+}
+
 TEST(ToolPassword, ReadsTheTextAsUtf8) {
     EXPECT_EQ(runTool({"password", "密码abcd"}).output, "accepted\n");
-    // Six characters, but fourteen bytes: the rule counts characters.
+    // Six characters, but fourteen bytes: the rule counts UTF-16 units, not bytes.
     EXPECT_EQ(runTool({"password", "密码密码a1"}).output, "accepted\n");
     EXPECT_EQ(runTool({"password", std::string(32, 'a') + "1"}).output, "rejected\n");
 }

@@ -185,18 +185,29 @@ void registerDate(CLI::App& app) {
     CLI::App* command = app.add_subcommand(
         "date", "Show the local date of an instant and the start of its local day. The date "
                 "helpers count unsigned 32-bit seconds: instants from 0 (1970-01-01) to "
-                "4294967295 (2106-02-07). With --json: {\"seconds\", \"date\", \"dayStart\"}.");
+                "4294967295 (2106-02-07). A day that began before 1970-01-01 00:00 UTC has no "
+                "start they can count (dayStart null). With --json: {\"seconds\", \"date\", "
+                "\"dayStart\"}.");
     command->add_option("SECONDS", options->seconds, "Seconds since 1970-01-01 00:00 UTC")
         ->required()
         ->transform(IntegerIn(0, UINT32_MAX,
-                          "the date helpers count unsigned 32-bit seconds, from 1970-01-01 to "
-                          "2106-02-07"));
+                              "the date helpers count unsigned 32-bit seconds, from 1970-01-01 to "
+                              "2106-02-07"));
     addJsonFlag(*command, options->json);
     finishHelp(*command, std::string("0 shown; ") + kUsageStatus, "pallix date 1704139200 --json");
     command->callback([options] {
         RootScope scope;
         const std::string date = toText(scope.strings().secondToString(options->seconds));
         const long long dayStart = scope.strings().secondToDay(options->seconds);
+        // West of UTC the first hours of 1970 fall on a local day that began before the epoch;
+        // the helpers cannot count that start and answer their error value instead.
+        if (dayStart == UINT32_MAX) {
+            printAnswer(options->json,
+                        {{"seconds", options->seconds}, {"date", date}, {"dayStart", nullptr}},
+                        "date: " + date + "\nday starts at: before 0 (1970-01-01 00:00 UTC), " +
+                            "which the date helpers cannot count");
+            return;
+        }
         printAnswer(options->json,
                     {{"seconds", options->seconds}, {"date", date}, {"dayStart", dayStart}},
                     "date: " + date + "\nday starts at: " + std::to_string(dayStart));
@@ -212,7 +223,8 @@ void registerPassword(CLI::App& app) {
     };
     auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(
-        "password", "Check a password against the strength rule: 6 to 32 characters, not only "
+        "password", "Check a password against the strength rule: 6 to 32 UTF-16 units (a "
+                    "character beyond U+FFFF, such as most emoji, counts as two), not only "
                     "digits, not only ASCII letters, not only other characters. With --json: "
                     "{\"accepted\": true or false}.");
     command->add_option("TEXT", options->text, "The password, UTF-8")->required();
