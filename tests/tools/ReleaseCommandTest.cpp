@@ -202,11 +202,16 @@ TEST_F(ReleaseCommandTest, WrittenDigestsCheckCleanAndTheOriginalStaysAsItWas) {
 
 TEST_F(ReleaseCommandTest, DigestsAreNotWrittenWhenAFileIsMissing) {
     std::filesystem::remove(file("crash.xml"));
+    write("cpid.xml", read("cpid.xml") + "<!-- a row was corrected -->\n");
     const std::string out = m_elsewhere.file("cloud.xml");
     const ToolResult result = release({"--write-digests", out});
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(contains(result.errors, "not written")) << result.errors;
     EXPECT_FALSE(std::filesystem::exists(out));
+    // The digest that differs is no finding when rewriting, so it is still told.
+    EXPECT_TRUE(contains(result.output, "digests that differ from their files (not written):\n"
+                                        "  CPID: "))
+        << result.output;
 }
 
 TEST_F(ReleaseCommandTest, TheOriginalIsNeverTheOutput) {

@@ -158,12 +158,15 @@ void runRelease(const ReleaseOptions& options) {
                    {"written", written ? nlohmann::ordered_json(options.writeDigests) : nullptr},
                    {"digestChanges", changes}});
     } else {
+        // The differing digests are no findings when rewriting, so they are listed either way.
         if (written) {
             std::cout << "wrote " << options.writeDigests << " with the files' digests"
                       << (changes.empty() ? " (none changed)" : "") << '\n';
-            for (const std::string& change : changes) {
-                std::cout << "  " << change << '\n';
-            }
+        } else if (!changes.empty()) {
+            std::cout << "digests that differ from their files (not written):\n";
+        }
+        for (const std::string& change : changes) {
+            std::cout << "  " << change << '\n';
         }
         std::cout << "release " << options.directory << ": " << plural(files.size(), "file")
                   << " checked: " << plural(errors, "error") << ", " << plural(warnings, "warning")
