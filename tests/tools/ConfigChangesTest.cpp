@@ -167,6 +167,28 @@ TEST_F(ConfigChangesTest, ForceReplacesAFileThatCannotBeRead) {
     EXPECT_STREQ(written(document).child("LastSkin").attribute("Value").value(), "C0FFEE");
 }
 
+TEST_F(ConfigChangesTest, AValueReadOtherwiseThanWrittenIsNotWrittenBackUnlessForced) {
+    // The reader keeps 2147483647 of this speed: any change would write that back.
+    writeCurrent("<Nevor>\n\t<LastVersion Value=\"5.0.0\" />\n"
+                 "\t<DownloadMaxSpeed Value=\"3000000000\" />\n</Nevor>\n");
+    const FileState before = FileState::of(currentFile());
+    for (const auto& command : changingCommands()) {
+        const ToolResult result = run(command);
+        EXPECT_EQ(result.status, 2) << command[0];
+        EXPECT_TRUE(contains(result.errors, currentFile() + ":3:")) << result.errors;
+        EXPECT_TRUE(contains(result.errors, "would write back what the library read"))
+            << result.errors;
+    }
+    EXPECT_TRUE(FileState::of(currentFile()) == before);
+
+    const ToolResult forced = run({"set", "LastSkin", "C0FFEE", "--force"});
+    EXPECT_EQ(forced.status, 0) << forced.errors;
+    EXPECT_TRUE(contains(forced.errors, "warning: " + currentFile() + ":3:")) << forced.errors;
+    pugi::xml_document document;
+    EXPECT_STREQ(written(document).child("DownloadMaxSpeed").attribute("Value").value(),
+                 "2147483647");
+}
+
 TEST_F(ConfigChangesTest, SomethingOtherThanAFileIsNeverReplaced) {
     std::filesystem::create_directories(currentFile());
     for (const char* force : {"", "--force"}) {

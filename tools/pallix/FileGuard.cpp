@@ -1,12 +1,15 @@
 #include "FileGuard.h"
 
+#include "Checkers.h"
 #include "Failure.h"
 #include "ReadingProblem.h"
+#include "SourceFile.h"
 #include "ToolOutput.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -30,6 +33,33 @@ void guardFile(const std::string& path, check::FileKind kind, bool force) {
                    "' to see why, or pass --force to replace it)");
 }
 
+void guardRewrite(const std::string& path, check::FileKind kind, bool force) {
+    check::SourceFile file(path);
+    if (!file.readable()) {
+        return;
+    }
+    check::checkFile(file, kind);
+    const std::vector<check::Finding>& findings = file.findings();
+    const auto lost = std::find_if(findings.begin(), findings.end(), [](const check::Finding& f) {
+        return f.severity == check::Severity::Error;
+    });
+    if (lost == findings.end()) {
+        return;
+    }
+    const auto errors =
+        std::count_if(findings.begin(), findings.end(),
+                      [](const check::Finding& f) { return f.severity == check::Severity::Error; });
+    const std::string what = path + ":" + std::to_string(lost->line) + ":" +
+                             std::to_string(lost->column) + ": " + escapeField(lost->message) +
+                             (errors > 1 ? " (and " + std::to_string(errors - 1) + " more)" : "");
+    if (force) {
+        reportWarning(what + "; writing back what the library read, as --force asks");
+        return;
+    }
+    failUnreadable(what + "; the change would write back what the library read, so not changing " +
+                   "it (run 'pallix check " + path + "' to see all, or pass --force to go on)");
+}
+
 std::string fileProblem(const std::string& path, check::FileKind kind) {
     const std::optional<check::ReadingProblem> problem = check::readingProblem(path, kind);
     return !problem || problem->cause == check::ReadingProblem::Cause::Missing ? std::string()
@@ -51,7 +81,8 @@ void guardImport(const std::string& path, const std::string& old) {
 
 void addForceFlag(CLI::App& command, bool& force) {
     command.add_flag("--force", force,
-                     "Replace the file even when it cannot be read as it is (its content is lost)");
+                     "Replace the file even when it cannot be read as it is (its content is lost), "
+                     "or write back what was read of it otherwise than written");
 }
 
 void guardReading(const std::string& path, check::FileKind kind) {

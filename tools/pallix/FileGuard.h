@@ -15,6 +15,11 @@ namespace pallix::tool {
 // Something other than a regular file is never replaced, forced or not.
 void guardFile(const std::string& path, check::FileKind kind, bool force);
 
+// Before a change of a store or the configuration: the library writes back what it read, so what it read otherwise
+// than the file says (an error of "pallix check": a value read as empty, an entry dropped) would
+// be lost. Fails (status 2) with the first such finding unless `force`, which warns instead.
+void guardRewrite(const std::string& path, check::FileKind kind, bool force);
+
 // Before a listing: a file that exists but that the library cannot read as `kind` would list
 // as empty. Fails (status 2) naming the file, saying so and pointing to "pallix check".
 void guardReading(const std::string& path, check::FileKind kind);
