@@ -346,6 +346,28 @@ TEST_F(ConfigChangesTest, AppendsSayWhatTheyDid) {
 
 // ---- a write that does not reach the disk ----------------------------------------------------
 
+TEST_F(ConfigChangesTest, AChangeThatRecordsAnUpdateSaysSo) {
+    writeCurrent("<Nevor><LastVersion Value=\"5.1.0\"/></Nevor>");
+    ToolResult result = run({"set", "LastSkin", "C0FFEE"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_TRUE(contains(result.errors, "pallix: note: " + currentFile() +
+                                            ": version 5.2.1 starts here for the first time, so "
+                                            "the file now also records it as LastVersion and sets "
+                                            "Status/KeepFirmwareCache to true"))
+        << result.errors;
+    pugi::xml_document document;
+    EXPECT_STREQ(written(document).child("LastVersion").attribute("Value").value(), "5.2.1");
+
+    // Once recorded, a change is only itself; a new file says nothing of an update either.
+    result = run({"set", "LastSkin", "ABCDEF"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.errors, "");
+    std::filesystem::remove(currentFile());
+    result = run({"set", "LastSkin", "C0FFEE"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.errors, "");
+}
+
 TEST_F(ConfigChangesTest, AWriteThatFailsIsRejected) {
     // The configuration file is a link into a directory that does not exist: the library reads
     // it as absent and cannot write through it.

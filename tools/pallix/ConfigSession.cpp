@@ -6,6 +6,7 @@
 #include "ToolOutput.h"
 #include "Values.h"
 
+#include "ConfigurationFormat.h"
 #include "Conversions.h"
 
 #include "NFileSystem.h"
@@ -15,6 +16,8 @@
 #include <cctype>
 
 namespace pallix::tool {
+
+namespace cfg = format::configuration;
 
 namespace {
 
@@ -104,6 +107,7 @@ ConfigSession::ConfigSession(const ConfigOptions& options, bool changes) {
         reportWarning(current + ": " + problem + "; showing the start-up values instead");
     }
 
+    m_updates = !imports && exists(current);
     PRuntime* runtime = PRuntime::getInstance();
     m_config = runtime != nullptr ? runtime->config() : nullptr;
     if (m_config == nullptr) {
@@ -111,6 +115,7 @@ ConfigSession::ConfigSession(const ConfigOptions& options, bool changes) {
         failRejected("the configuration could not be created");
     }
     m_config->initialize();
+    m_updates = m_updates && m_config->newUpdate();
     if (imports && !PRuntime::lastWriteSucceeded()) {
         reportWarning(current + ": the imported configuration could not be written");
     }
@@ -127,6 +132,14 @@ std::string ConfigSession::currentFile() const {
 void ConfigSession::requireWritten() const {
     if (!PRuntime::lastWriteSucceeded()) {
         failRejected(currentFile() + ": the change could not be written; the file is as it was");
+    }
+    // The first write after an update records it, as the application's start-up does; the user
+    // asked for one change and should learn of the others.
+    if (m_updates) {
+        reportNote(currentFile() + ": version " + m_config->version().toStdString() +
+                   " starts here for the first time, so the file now also records it as " +
+                   cfg::kLastVersion + " and sets " + cfg::kStatus + "/" +
+                   cfg::kSettingKeepFirmwareCache + " to true, as the application's start-up does");
     }
 }
 

@@ -59,6 +59,8 @@ private:
     std::string m_directory;
     std::optional<DirectoryLock> m_lock;
     PRuntimeConfig* m_config = nullptr;
+    // Whether this start updates an existing file to a new version.
+    bool m_updates = false;
 };
 
 } // namespace pallix::tool
