@@ -222,6 +222,23 @@ TEST_F(ReleaseCommandTest, TheOriginalIsNeverTheOutput) {
     EXPECT_EQ(read("cloud.xml"), before);
 }
 
+TEST_F(ReleaseCommandTest, NoFileOfTheReleaseIsTheOutput) {
+    write("cpid.xml", read("cpid.xml") + "<!-- a row was corrected -->\n");
+    const std::string before = read("crash.xml");
+    const ToolResult result = release({"--write-digests", file("crash.xml")});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, "is a file of the release")) << result.errors;
+    EXPECT_EQ(read("crash.xml"), before);
+}
+
+TEST_F(ReleaseCommandTest, EmptyPathsAreUsageErrors) {
+    for (const char* option : {"--write-digests", "--cloud"}) {
+        const ToolResult result = release({option, ""});
+        EXPECT_EQ(result.status, 2) << option;
+        EXPECT_TRUE(contains(result.errors, "the path is empty")) << result.errors;
+    }
+}
+
 TEST_F(ReleaseCommandTest, FileGivesTheFileOfAnEntry) {
     std::filesystem::rename(file("crash.xml"), m_elsewhere.file("crash-5.xml"));
     const ToolResult result = release({"--file", "CrashCode=" + m_elsewhere.file("crash-5.xml")});

@@ -11,6 +11,7 @@
 #include "ReleaseCheck.h"
 #include "Suggestion.h"
 #include "ToolOutput.h"
+#include "Values.h"
 
 #include "NFileSystem.h"
 
@@ -80,12 +81,18 @@ std::string findCloudDocument(const ReleaseOptions& options) {
     return found.front();
 }
 
-void writeDocument(const std::string& out, const std::string& original, const std::string& text) {
+// Writes the corrected copy to `out`, which must be none of the files the check read: the
+// document or a file it names, which the release still needs as they are.
+void writeDocument(const std::string& out, const std::vector<const SourceFile*>& read,
+                   const std::string& text) {
     std::error_code error;
-    if (std::filesystem::equivalent(out, original, error)) {
-        failUsage("--write-digests: " + out +
-                  " is the cloud document itself; the original is "
-                  "never changed, name another file");
+    for (const SourceFile* file : read) {
+        if (std::filesystem::equivalent(out, file->path(), error)) {
+            failUsage("--write-digests: " + out +
+                      (file == read.front() ? " is the cloud document itself"
+                                            : " is a file of the release (" + file->path() + ")") +
+                      "; the files checked are never changed, name another file");
+        }
     }
     if (std::filesystem::exists(out, error) && !std::filesystem::is_regular_file(out, error)) {
         failUsage("--write-digests: " + out + " is not a regular file");
@@ -120,17 +127,16 @@ void runRelease(const ReleaseOptions& options) {
                               reference.actualDigest);
         }
     }
-    const bool complete = std::all_of(references.begin(), references.end(),
-                                      [](const check::Reference& r) { return r.file != nullptr; });
-    if (rewriting && complete) {
-        writeDocument(options.writeDigests, documentPath, check::withDigests(document, references));
-    }
-
     std::vector<const SourceFile*> files{&document};
     for (const check::Reference& reference : references) {
         if (reference.file) {
             files.push_back(reference.file.get());
         }
+    }
+    const bool complete = std::all_of(references.begin(), references.end(),
+                                      [](const check::Reference& r) { return r.file != nullptr; });
+    if (rewriting && complete) {
+        writeDocument(options.writeDigests, files, check::withDigests(document, references));
     }
     std::size_t errors = 0;
     std::size_t warnings = 0;
@@ -186,7 +192,8 @@ void registerReleaseCommands(CLI::App& app) {
     command
         ->add_option("--cloud", options->cloudDocument,
                      "The cloud document (default: the one cloud document in DIR)")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(NonEmptyPath());
     command
         ->add_option("--file", options->files,
                      "The file of a reference entry, where its address does not name one in DIR")
@@ -195,7 +202,8 @@ void registerReleaseCommands(CLI::App& app) {
         ->add_option("--write-digests", options->writeDigests,
                      "Write a copy of the cloud document whose digests are those of the files; "
                      "the original is never changed. A digest that differs is then no finding")
-        ->type_name("OUT");
+        ->type_name("OUT")
+        ->check(NonEmptyPath());
     addJsonFlag(*command, options->json);
     endHelp(*command,
             "Findings are printed as FILE:LINE:COLUMN: error|warning: message, then a summary.\n"

@@ -127,4 +127,12 @@ CLI::Validator XmlText() {
         "");
 }
 
+CLI::Validator NonEmptyPath() {
+    return CLI::Validator(
+        [](const std::string& path) {
+            return path.empty() ? std::string("the path is empty") : std::string();
+        },
+        "");
+}
+
 } // namespace pallix::tool

@@ -32,5 +32,8 @@ CLI::Validator IntegerIn(long long minimum, long long maximum, const std::string
                          Digits digits = Digits::Decimal);
 CLI::Validator UnsignedUpTo(unsigned long long maximum, const std::string& why = "");
 CLI::Validator XmlText();
+// Refuses an empty path, which an unset variable in a script gives and which would otherwise
+// read as the option left out.
+CLI::Validator NonEmptyPath();
 
 } // namespace pallix::tool
