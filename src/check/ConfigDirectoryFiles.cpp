@@ -65,7 +65,8 @@ std::vector<DirectoryFile> configDirectoryFiles(std::string given) {
         } else {
             add(path, std::nullopt,
                 "the library never reads this file: for it, the import of the old " + oldName +
-                    " directory reads " + inQuotes(readInstead) + " in its place",
+                    " directory reads " + inQuotes(readInstead) +
+                    " in its place, and then deletes it with the directory",
                 true);
         }
     }

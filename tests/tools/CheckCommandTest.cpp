@@ -552,7 +552,8 @@ TEST_F(CheckConfigDirectory, OldNotificationsHideTheCurrentFile) {
     EXPECT_NE(report[0]["findings"][0]["message"].get<std::string>().find(
                   "the old \"Notify\" directory beside it is imported in its place"),
               std::string::npos);
-    EXPECT_NE(report[1]["findings"][0]["message"].get<std::string>().find("reads \"10.xml\""),
+    EXPECT_NE(report[1]["findings"][0]["message"].get<std::string>().find(
+                  "reads \"10.xml\" in its place, and then deletes it with the directory"),
               std::string::npos);
 }
 

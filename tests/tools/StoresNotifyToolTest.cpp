@@ -252,7 +252,6 @@ TEST_F(StoreToolTest, NotifyListImportsTheOldDirectoryAndKeepsItsNotifications) 
     ASSERT_EQ(::mkdir(old.c_str(), 0755), 0);
     TemporaryDirectory::write(old + "/41.xml", "<ROOT><ID VALUE=\"41\"/><Title VALUE=\"old one\"/>"
                                                "<Time VALUE=\"5\"/><UserID VALUE=\"2\"/></ROOT>");
-    TemporaryDirectory::write(old + "/broken.xml", "<ROOT>");
     const ToolResult listed = notify({"list"});
     EXPECT_EQ(listed.status, 0) << listed.errors;
     EXPECT_EQ(listed.output, "41\t2\t5\t-\told one\t\n");
@@ -263,6 +262,57 @@ TEST_F(StoreToolTest, NotifyListImportsTheOldDirectoryAndKeepsItsNotifications) 
     const ToolResult again = notify({"list"});
     EXPECT_EQ(again.output, "41\t2\t5\t-\told one\t\n");
     EXPECT_EQ(again.errors, "");
+}
+
+TEST_F(StoreToolTest, NotifyDoesNotImportWhatTheImportWouldLoseUnlessForced) {
+    // The library deletes the old directory whole and replaces the current file with what it
+    // imported: each of these would be lost.
+    const std::string old = directory.file("Notify");
+    const std::string good = "<ROOT><ID VALUE=\"41\"/><Title VALUE=\"old one\"/></ROOT>";
+    struct Case {
+        std::string name;
+        std::string text;
+        std::string blamed;
+    };
+    const std::vector<Case> cases{
+        {"broken.xml", "<ROOT>", old + "/broken.xml:1:6: not well-formed XML"},
+        {"readme.txt", "not a notification",
+         old + "/readme.txt: is no notification the import reads, and goes with the directory"},
+        {"9.xml", "<ROOT><ID VALUE=\"9\"/><UserID VALUE=\"-5\"/></ROOT>", old + "/9.xml:1:"},
+        {"", "", notifyFile() + ": what it holds is replaced by the import"}};
+    for (const Case& lossy : cases) {
+        std::filesystem::remove_all(old);
+        std::filesystem::remove(notifyFile());
+        if (lossy.name.empty()) {
+            ASSERT_EQ(notify({"add", "7", "--title", "current"}).status, 0);
+        }
+        ASSERT_EQ(::mkdir(old.c_str(), 0755), 0);
+        TemporaryDirectory::write(old + "/41.xml", good);
+        if (!lossy.name.empty()) {
+            TemporaryDirectory::write(old + "/" + lossy.name, lossy.text);
+        }
+        const std::string before =
+            exists(notifyFile()) ? TemporaryDirectory::read(notifyFile()) : "";
+        for (const std::vector<std::string>& command :
+             {std::vector<std::string>{"list"}, std::vector<std::string>{"add", "8"},
+              std::vector<std::string>{"remove", "41"}}) {
+            const ToolResult result = notify(command);
+            EXPECT_EQ(result.status, 2) << lossy.name << " " << command.front();
+            EXPECT_EQ(result.output, "");
+            EXPECT_TRUE(contains(result.errors, "pallix: " + lossy.blamed)) << result.errors;
+            EXPECT_TRUE(contains(result.errors, "nothing is imported (run 'pallix check "
+                                                "--config-dir " +
+                                                    directory.path() + "'"))
+                << result.errors;
+            EXPECT_TRUE(exists(old + "/41.xml")) << lossy.name;
+            EXPECT_EQ(exists(notifyFile()) ? TemporaryDirectory::read(notifyFile()) : "", before);
+        }
+        const ToolResult forced = notify({"list", "--force"});
+        EXPECT_EQ(forced.status, 0) << forced.errors;
+        EXPECT_TRUE(contains(forced.errors, "pallix: warning: " + lossy.blamed)) << forced.errors;
+        EXPECT_TRUE(contains(forced.output, "old one")) << forced.output;
+        EXPECT_FALSE(exists(old));
+    }
 }
 
 TEST_F(StoreToolTest, NotifyDoesNotImportTheOldDirectoryIntoWhatCannotBeReplaced) {

@@ -3,11 +3,15 @@
 
 #include "Commands.h"
 
+#include "Checkers.h"
+#include "ConfigDirectoryFiles.h"
 #include "Failure.h"
 #include "FileGuard.h"
 #include "FileNames.h"
 #include "PRuntimeNotify.h"
+#include "SourceFile.h"
 #include "StoreCommon.h"
+#include "StoreFormats.h"
 #include "ToolOutput.h"
 #include "Values.h"
 
@@ -15,6 +19,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -54,6 +59,75 @@ bool sameItem(const PRuntimeNotifyItem& a, const PRuntimeNotifyItem& b) {
            a.isAlreadyPopup() == b.isAlreadyPopup() && a.isRemove() == b.isRemove();
 }
 
+// What the import of the old layout would lose: whatever in the old directory it does not
+// read, since the directory goes whole; what it reads otherwise than written; and, when it brings
+// a notification, the current file's, which it replaces. Each is a path and why.
+std::vector<std::string> importLosses(const StoreChange& session, const std::string& old) {
+    std::set<std::string> notifications;
+    for (const check::DirectoryFile& file : check::configDirectoryFiles(session.directory())) {
+        if (file.kind == check::FileKind::OldNotify) {
+            notifications.insert(file.path);
+        }
+    }
+    std::vector<std::string> losses;
+    std::error_code error;
+    std::set<std::filesystem::path> entries;
+    for (const auto& entry : std::filesystem::directory_iterator(old, error)) {
+        entries.insert(entry.path());
+    }
+    if (error) {
+        losses.push_back(old + ": cannot be read (" + error.message() + ")");
+    }
+    bool brings = false;
+    for (const std::filesystem::path& entry : entries) {
+        if (notifications.count(entry.string()) == 0) {
+            losses.push_back(entry.string() +
+                             ": is no notification the import reads, and goes with the directory");
+            continue;
+        }
+        check::SourceFile file(entry.string());
+        check::checkFile(file, check::FileKind::OldNotify);
+        brings = brings || (file.wellFormed() && file.document().child(format::notify::kOldRoot));
+        for (const check::Finding& finding : file.findings()) {
+            if (finding.severity == check::Severity::Error) {
+                losses.push_back(entry.string() + ":" + std::to_string(finding.line) + ":" +
+                                 std::to_string(finding.column) + ": " +
+                                 escapeField(finding.message));
+                break;
+            }
+        }
+    }
+    check::SourceFile current(session.file());
+    if (brings && !current.text().empty() &&
+        (!current.parseXml() || current.document()
+                                    .child(format::notify::kRoot)
+                                    .child(format::notify::kList)
+                                    .child(format::notify::kItem))) {
+        losses.insert(losses.begin(), session.file() + ": what it holds is replaced by the import");
+    }
+    return losses;
+}
+
+// The old directory goes as soon as the library opens the store, so what its import would lose
+// is refused before, unless forced.
+void guardNotifyImport(const StoreChange& session, const std::string& old, bool force) {
+    guardImport(session.file(), old);
+    const std::vector<std::string> losses = importLosses(session, old);
+    if (losses.empty()) {
+        return;
+    }
+    const std::string what =
+        losses.front() +
+        (losses.size() > 1 ? " (and " + std::to_string(losses.size() - 1) + " more)" : "");
+    if (force) {
+        reportWarning(what + "; importing " + old + " all the same, as --force asks");
+        return;
+    }
+    failUnreadable(what + "; the import of " + old +
+                   " would lose it, so nothing is imported (run 'pallix check --config-dir " +
+                   session.directory() + "' to see all, or pass --force to import it anyway)");
+}
+
 // The store of a configuration directory whose lock the caller holds. When the directory still
 // has the old one-file-per-notification layout, the library imports it and deletes it without
 // writing anything: the imported notifications are written at once, or they would go with this
@@ -63,7 +137,7 @@ std::unique_ptr<PRuntimeNotify> openNotify(const StoreChange& session, bool forC
     const std::string old = session.directory() + kOldNotifyDirectory;
     std::error_code ignored;
     if (std::filesystem::is_directory(old, ignored)) {
-        guardImport(session.file(), old);
+        guardNotifyImport(session, old, force);
         auto store = std::make_unique<PRuntimeNotify>();
         std::vector<unsigned long long> ids;
         store->traverse(
@@ -89,7 +163,7 @@ std::unique_ptr<PRuntimeNotify> openNotify(const StoreChange& session, bool forC
 void notifyList(const NotifyOptions& options) {
     // Locked as for a change: opening may import the old layout and write it.
     const StoreChange session(options.configDirectory, kNotifyFile);
-    const auto store = openNotify(session, false, false);
+    const auto store = openNotify(session, false, options.force);
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     store->traverse([&](unsigned long long id, const PRuntimeNotifyItem& item) {
         if (options.json) {
@@ -172,6 +246,9 @@ void registerNotifyCommands(CLI::App& app) {
                 "(tab-separated; flags are popup, read, shown, removed or -). With --json: an "
                 "array of {id, userId, timestamp, title, url, popup, read, shown, removed}");
     addJsonFlag(*list, options->json);
+    list->add_flag("--force", options->force,
+                   "Import an old " + kOldNotifyDirectory.substr(1) +
+                       " directory even when the import would lose something");
     list->callback([options] { notifyList(*options); });
 
     CLI::App* add = notify->add_subcommand("add", "Add a notification, or replace the one "
