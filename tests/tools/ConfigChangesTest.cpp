@@ -215,8 +215,12 @@ TEST_F(ConfigChangesTest, AMalformedLegacyFileIsNeitherImportedNorRemoved) {
              {"get", "LastSkin"}, {"show"}, {"set", "LastSkin", "C0FFEE"}}) {
         const ToolResult result = run(arguments);
         EXPECT_EQ(result.status, 2) << arguments[0];
-        EXPECT_TRUE(contains(result.errors, legacyFile() + ": ")) << result.errors;
-        EXPECT_TRUE(contains(result.errors, "pallix check " + legacyFile())) << result.errors;
+        EXPECT_TRUE(contains(result.errors, "pallix: " + legacyFile() + ":1:32: not well-formed"))
+            << result.errors;
+        EXPECT_TRUE(contains(result.errors, "would lose this and 1 more, so nothing is imported "
+                                            "(run 'pallix check --config-dir " +
+                                                config() + "'"))
+            << result.errors;
     }
     EXPECT_EQ(TemporaryDirectory::read(legacyFile()), "<Config><LastSkin Value=\"2E8B57\"");
     EXPECT_EQ(TemporaryDirectory::read(currentFile()),
@@ -224,8 +228,42 @@ TEST_F(ConfigChangesTest, AMalformedLegacyFileIsNeitherImportedNorRemoved) {
 
     const ToolResult forced = run({"get", "LastSkin", "--force"});
     EXPECT_EQ(forced.status, 0) << forced.errors;
+    EXPECT_TRUE(contains(forced.errors, "importing " + legacyFile() +
+                                            " all the same, as --force asks (it loses this and "
+                                            "1 more)"))
+        << forced.errors;
     EXPECT_EQ(forced.output, "236EE7\n");
     EXPECT_FALSE(exists(legacyFile()));
+}
+
+TEST_F(ConfigChangesTest, ALegacyImportThatWouldLoseSomethingIsRefused) {
+    // Well-formed, but the speed does not survive the import; and the import replaces the
+    // current file, whatever it holds.
+    std::filesystem::copy_file(
+        std::string(PALLIX_TEST_DATA_DIR) + "/check/legacy-speed-beyond-32-bits.xml", legacyFile());
+    ToolResult result = run({"show"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, "pallix: " + legacyFile() + ":")) << result.errors;
+    EXPECT_TRUE(contains(result.errors, "2147483647")) << result.errors;
+    EXPECT_TRUE(exists(legacyFile()));
+    EXPECT_FALSE(exists(currentFile()));
+
+    std::filesystem::remove(legacyFile());
+    std::filesystem::copy_file(std::string(PALLIX_TEST_DATA_DIR) + "/config/Config.xml",
+                               legacyFile());
+    writeCurrent("<Nevor><LastSkin Value=\"ABCDEF\"/></Nevor>");
+    result = run({"get", "LastSkin"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.errors, "pallix: " + currentFile() +
+                                            ": what it holds is replaced by the import; the "
+                                            "import of " +
+                                            legacyFile() + " would lose this, so nothing"))
+        << result.errors;
+    EXPECT_EQ(TemporaryDirectory::read(currentFile()),
+              "<Nevor><LastSkin Value=\"ABCDEF\"/></Nevor>");
+    result = run({"get", "LastSkin", "--force"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "2E8B57\n");
 }
 
 TEST_F(ConfigChangesTest, ALegacyFileIsNotImportedWhereTheImportCannotBeWritten) {

@@ -14,6 +14,9 @@
 #include "PRuntimeConfig.h"
 
 #include <cctype>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace pallix::tool {
 
@@ -38,6 +41,20 @@ void diagnoseVersionFile(const std::string& resources) {
     }
 }
 
+// What the import of the legacy file would lose: what the import reads otherwise than written,
+// or not at all; and the current file, which the import replaces whatever it holds.
+std::vector<std::string> importLosses(const std::string& legacy, const std::string& current) {
+    std::vector<std::string> losses;
+    if (std::string error = firstError(legacy, check::FileKind::LegacyConfig); !error.empty()) {
+        losses.push_back(std::move(error));
+    }
+    std::error_code ignored;
+    if (std::filesystem::file_size(current, ignored) > 0 && !ignored) {
+        losses.push_back(current + ": what it holds is replaced by the import");
+    }
+    return losses;
+}
+
 } // namespace
 
 CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char* name,
@@ -47,11 +64,12 @@ CLI::App& addConfigCommand(CLI::App& parent, ConfigOptions& options, const char*
     addConfigDirectoryOption(command, options.directories.config);
     addResourcesDirectoryOption(command, options.directories.resources);
     command.add_flag("--force", options.force,
-                     std::string("Go on when a configuration file cannot be read as it is: a "
-                                 "change, or the import of a legacy ") +
+                     std::string("Go on when a configuration file cannot be read as it is, or "
+                                 "holds what the library reads otherwise: a change writes back "
+                                 "what was read; the import of a legacy ") +
                          format::kLegacyConfigurationFile +
-                         ", replaces it (its content is lost); a command that only reads shows "
-                         "the start-up values");
+                         " goes ahead though it loses something; a command that only reads "
+                         "shows the start-up values");
     if (json) {
         addJsonFlag(command, options.json);
     }
@@ -89,8 +107,8 @@ ConfigSession::ConfigSession(const ConfigOptions& options, bool changes) {
     const std::string current = currentFile();
     const bool imports = NFileSystem::file::exist(NString(legacy));
     if (imports) {
-        guardFile(legacy, check::FileKind::LegacyConfig, options.force);
         guardImport(current, legacy);
+        guardImportLosses(importLosses(legacy, current), legacy, m_directory, options.force);
         reportNote("importing the legacy " + legacy + " into " + current +
                    " and removing it, as the application does at start-up");
     } else if (changes) {

@@ -33,31 +33,59 @@ void guardFile(const std::string& path, check::FileKind kind, bool force) {
                    "' to see why, or pass --force to replace it)");
 }
 
-void guardRewrite(const std::string& path, check::FileKind kind, bool force) {
+std::string firstError(const std::string& path, check::FileKind kind) {
     check::SourceFile file(path);
     if (!file.readable()) {
-        return;
+        return path + ": " + file.problem();
     }
     check::checkFile(file, kind);
-    const std::vector<check::Finding>& findings = file.findings();
-    const auto lost = std::find_if(findings.begin(), findings.end(), [](const check::Finding& f) {
+    const auto isError = [](const check::Finding& f) {
         return f.severity == check::Severity::Error;
-    });
-    if (lost == findings.end()) {
+    };
+    const std::vector<check::Finding>& findings = file.findings();
+    const auto first = std::find_if(findings.begin(), findings.end(), isError);
+    if (first == findings.end()) {
+        return "";
+    }
+    const auto errors = std::count_if(findings.begin(), findings.end(), isError);
+    return path + ":" + std::to_string(first->line) + ":" + std::to_string(first->column) + ": " +
+           escapeField(first->message) +
+           (errors > 1 ? " (and " + std::to_string(errors - 1) + " more)" : "");
+}
+
+void guardRewrite(const std::string& path, check::FileKind kind, bool force) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(path, ignored)) {
         return;
     }
-    const auto errors =
-        std::count_if(findings.begin(), findings.end(),
-                      [](const check::Finding& f) { return f.severity == check::Severity::Error; });
-    const std::string what = path + ":" + std::to_string(lost->line) + ":" +
-                             std::to_string(lost->column) + ": " + escapeField(lost->message) +
-                             (errors > 1 ? " (and " + std::to_string(errors - 1) + " more)" : "");
+    const std::string error = firstError(path, kind);
+    if (error.empty()) {
+        return;
+    }
     if (force) {
-        reportWarning(what + "; writing back what the library read, as --force asks");
+        reportWarning(error + "; writing back what the library read, as --force asks");
         return;
     }
-    failUnreadable(what + "; the change would write back what the library read, so not changing " +
-                   "it (run 'pallix check " + path + "' to see all, or pass --force to go on)");
+    failUnreadable(error + "; the change would write back what the library read, so not " +
+                   "changing it (run 'pallix check " + path + "' to see all, or pass --force to " +
+                   "go on)");
+}
+
+void guardImportLosses(const std::vector<std::string>& losses, const std::string& old,
+                       const std::string& directory, bool force) {
+    if (losses.empty()) {
+        return;
+    }
+    const std::string more =
+        losses.size() > 1 ? " and " + std::to_string(losses.size() - 1) + " more" : "";
+    if (force) {
+        reportWarning(losses.front() + "; importing " + old + " all the same, as --force asks" +
+                      (more.empty() ? "" : " (it loses this" + more + ")"));
+        return;
+    }
+    failUnreadable(losses.front() + "; the import of " + old + " would lose this" + more +
+                   ", so nothing is imported (run 'pallix check --config-dir " + directory +
+                   "' to see all, or pass --force to import it anyway)");
 }
 
 std::string fileProblem(const std::string& path, check::FileKind kind) {

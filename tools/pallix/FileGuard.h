@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include <string>
+#include <vector>
 
 namespace pallix::tool {
 
@@ -15,10 +16,21 @@ namespace pallix::tool {
 // Something other than a regular file is never replaced, forced or not.
 void guardFile(const std::string& path, check::FileKind kind, bool force);
 
-// Before a change of a store or the configuration: the library writes back what it read, so what it read otherwise
-// than the file says (an error of "pallix check": a value read as empty, an entry dropped) would
-// be lost. Fails (status 2) with the first such finding unless `force`, which warns instead.
+// "PATH:LINE:COLUMN: MESSAGE" of the first error that "pallix check" finds in the file as
+// `kind` (what the library reads otherwise than written, or not at all), with how many more;
+// "PATH: PROBLEM" when it cannot be read; empty when there is no error.
+std::string firstError(const std::string& path, check::FileKind kind);
+
+// Before a change of a store or the configuration: the library writes back what it read, so
+// what it read otherwise than the file says would be lost. Fails (status 2) with firstError()
+// unless `force`, which warns instead.
 void guardRewrite(const std::string& path, check::FileKind kind, bool force);
+
+// Before the library imports an older file or directory `old` of the configuration directory
+// `directory`, which it deletes afterwards: fails (status 2) naming the first of `losses` (each
+// "PATH: why") unless `force`, which warns instead.
+void guardImportLosses(const std::vector<std::string>& losses, const std::string& old,
+                       const std::string& directory, bool force);
 
 // Before a listing: a file that exists but that the library cannot read as `kind` would list
 // as empty. Fails (status 2) naming the file, saying so and pointing to "pallix check".

@@ -3,7 +3,6 @@
 
 #include "Commands.h"
 
-#include "Checkers.h"
 #include "ConfigDirectoryFiles.h"
 #include "Failure.h"
 #include "FileGuard.h"
@@ -86,15 +85,10 @@ std::vector<std::string> importLosses(const StoreChange& session, const std::str
             continue;
         }
         check::SourceFile file(entry.string());
-        check::checkFile(file, check::FileKind::OldNotify);
-        brings = brings || (file.wellFormed() && file.document().child(format::notify::kOldRoot));
-        for (const check::Finding& finding : file.findings()) {
-            if (finding.severity == check::Severity::Error) {
-                losses.push_back(entry.string() + ":" + std::to_string(finding.line) + ":" +
-                                 std::to_string(finding.column) + ": " +
-                                 escapeField(finding.message));
-                break;
-            }
+        brings = brings || (file.parseXml() && file.document().child(format::notify::kOldRoot));
+        if (std::string error = firstError(entry.string(), check::FileKind::OldNotify);
+            !error.empty()) {
+            losses.push_back(std::move(error));
         }
     }
     check::SourceFile current(session.file());
@@ -108,26 +102,6 @@ std::vector<std::string> importLosses(const StoreChange& session, const std::str
     return losses;
 }
 
-// The old directory goes as soon as the library opens the store, so what its import would lose
-// is refused before, unless forced.
-void guardNotifyImport(const StoreChange& session, const std::string& old, bool force) {
-    guardImport(session.file(), old);
-    const std::vector<std::string> losses = importLosses(session, old);
-    if (losses.empty()) {
-        return;
-    }
-    const std::string what =
-        losses.front() +
-        (losses.size() > 1 ? " (and " + std::to_string(losses.size() - 1) + " more)" : "");
-    if (force) {
-        reportWarning(what + "; importing " + old + " all the same, as --force asks");
-        return;
-    }
-    failUnreadable(what + "; the import of " + old +
-                   " would lose it, so nothing is imported (run 'pallix check --config-dir " +
-                   session.directory() + "' to see all, or pass --force to import it anyway)");
-}
-
 // The store of a configuration directory whose lock the caller holds. When the directory still
 // has the old one-file-per-notification layout, the library imports it and deletes it without
 // writing anything: the imported notifications are written at once, or they would go with this
@@ -137,7 +111,9 @@ std::unique_ptr<PRuntimeNotify> openNotify(const StoreChange& session, bool forC
     const std::string old = session.directory() + kOldNotifyDirectory;
     std::error_code ignored;
     if (std::filesystem::is_directory(old, ignored)) {
-        guardNotifyImport(session, old, force);
+        // The directory goes as soon as the library opens the store.
+        guardImport(session.file(), old);
+        guardImportLosses(importLosses(session, old), old, session.directory(), force);
         auto store = std::make_unique<PRuntimeNotify>();
         std::vector<unsigned long long> ids;
         store->traverse(
