@@ -400,6 +400,22 @@ TEST_F(ConfigCommandsTest, MissingVersionFileIsDiagnosed) {
     EXPECT_TRUE(contains(result.errors, "no such file")) << result.errors;
 }
 
+TEST_F(ConfigCommandsTest, AVersionFileReadOtherwiseIsDiagnosed) {
+    // Well-formed, but with no version in it: the running version is empty, and a write records
+    // that as the last version.
+    std::filesystem::copy_file(std::string(PALLIX_TEST_DATA_DIR) + "/check/version-empty.xml",
+                               resources() + "/UpdateCfg.xml",
+                               std::filesystem::copy_options::overwrite_existing);
+    const ToolResult result = run({"set", "LastSkin", "C0FFEE"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_TRUE(contains(result.errors, "pallix: warning: " + resources() +
+                                            "/UpdateCfg.xml:4:3: no \"Version\" element with a "
+                                            "VALUE: the running version is empty"))
+        << result.errors;
+    EXPECT_TRUE(contains(result.errors, "(run 'pallix check " + resources() + "/UpdateCfg.xml')"))
+        << result.errors;
+}
+
 TEST_F(ConfigCommandsTest, LegacyConfigurationIsImportedOnce) {
     std::filesystem::copy_file(std::string(PALLIX_TEST_DATA_DIR) + "/config/Config.xml",
                                config() + "/Config.xml");

@@ -28,16 +28,15 @@ bool exists(const std::string& path) {
     return NFileSystem::path::exist(NString(path));
 }
 
-// The running version decides whether this start counts as an update; the library says nothing
-// when it cannot read the version, so the tool does.
+// The running version decides whether this start counts as an update and what a write records
+// as the last version; the library says nothing when it cannot read it, so the tool does.
 void diagnoseVersionFile(const std::string& resources) {
     const std::string path = resources + "/" + format::kVersionFile;
-    const std::string problem =
-        exists(path) ? fileProblem(path, check::FileKind::Version) : "no such file";
-    if (!problem.empty()) {
-        reportWarning(path + ": " + problem +
-                      "; the running version is the library's built-in one" +
-                      (exists(path) ? " (run 'pallix check " + path + "')" : ""));
+    if (!exists(path)) {
+        reportWarning(path + ": no such file; the running version is the library's built-in one");
+    } else if (const std::string error = firstError(path, check::FileKind::Version);
+               !error.empty()) {
+        reportWarning(error + " (run 'pallix check " + path + "')");
     }
 }
 
@@ -154,7 +153,9 @@ void ConfigSession::requireWritten() const {
     // The first write after an update records it, as the application's start-up does; the user
     // asked for one change and should learn of the others.
     if (m_updates) {
-        reportNote(currentFile() + ": version " + m_config->version().toStdString() +
+        const std::string version = m_config->version().toStdString();
+        reportNote(currentFile() + ": " +
+                   (version.empty() ? std::string("an empty version") : "version " + version) +
                    " starts here for the first time, so the file now also records it as " +
                    cfg::kLastVersion + " and sets " + cfg::kStatus + "/" +
                    cfg::kSettingKeepFirmwareCache + " to true, as the application's start-up does");
