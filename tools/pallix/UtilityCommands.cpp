@@ -185,9 +185,9 @@ void registerDate(CLI::App& app) {
     CLI::App* command = app.add_subcommand(
         "date", "Show the local date of an instant and the start of its local day. The date "
                 "helpers count unsigned 32-bit seconds: instants from 0 (1970-01-01) to "
-                "4294967295 (2106-02-07). A day that began before 1970-01-01 00:00 UTC has no "
-                "start they can count (dayStart null). With --json: {\"seconds\", \"date\", "
-                "\"dayStart\"}.");
+                "4294967295 (2106-02-07). 1970-01-01 starts at 0 in every zone; a day that began "
+                "before it, or whose midnight a clock change skips, has no start they can "
+                "count (dayStart null). With --json: {\"seconds\", \"date\", \"dayStart\"}.");
     command->add_option("SECONDS", options->seconds, "Seconds since 1970-01-01 00:00 UTC")
         ->required()
         ->transform(IntegerIn(0, UINT32_MAX,
@@ -199,13 +199,17 @@ void registerDate(CLI::App& app) {
         RootScope scope;
         const std::string date = toText(scope.strings().secondToString(options->seconds));
         const long long dayStart = scope.strings().secondToDay(options->seconds);
-        // West of UTC the first hours of 1970 fall on a local day that began before the epoch;
-        // the helpers cannot count that start and answer their error value instead.
+        // The helpers answer their error value for a local day that began before the epoch
+        // (west of UTC, the first hours of 1970) and for one whose midnight a clock change
+        // skips; 1970-01-01 itself starts at 0 in every zone.
         if (dayStart == UINT32_MAX) {
+            const std::string why = date < "1970-01-01"
+                                        ? "the day began before 0, 1970-01-01 00:00 UTC"
+                                        : "a clock change skips the day's midnight";
             printAnswer(options->json,
                         {{"seconds", options->seconds}, {"date", date}, {"dayStart", nullptr}},
-                        "date: " + date + "\nday starts at: before 0 (1970-01-01 00:00 UTC), " +
-                            "which the date helpers cannot count");
+                        "date: " + date +
+                            "\nday starts at: none that the date helpers can count (" + why + ")");
             return;
         }
         printAnswer(options->json,
