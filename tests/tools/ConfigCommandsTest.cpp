@@ -416,6 +416,17 @@ TEST_F(ConfigCommandsTest, AVersionFileReadOtherwiseIsDiagnosed) {
         << result.errors;
 }
 
+TEST_F(ConfigCommandsTest, EachDirectoryIsGivenOnce) {
+    for (const char* option : {"--config-dir", "--resources-dir"}) {
+        const ToolResult result =
+            runPlain({"config", option, scratch("a"), "get", "LastSkin", option, scratch("b")});
+        EXPECT_EQ(result.status, 2) << option;
+        EXPECT_TRUE(contains(result.errors,
+                             std::string("pallix: ") + option + ": is given twice; give it once"))
+            << result.errors;
+    }
+}
+
 TEST_F(ConfigCommandsTest, LegacyConfigurationIsImportedOnce) {
     std::filesystem::copy_file(std::string(PALLIX_TEST_DATA_DIR) + "/config/Config.xml",
                                config() + "/Config.xml");

@@ -92,6 +92,18 @@ TEST_F(StoresSharedToolTest, TheConfigurationDirectoryGoesBeforeOrAfterTheAction
     }
 }
 
+TEST_F(StoresSharedToolTest, TheConfigurationDirectoryIsGivenOnce) {
+    TemporaryDirectory other{"pallix-tool-stores-other"};
+    for (const Store& store : stores()) {
+        const ToolResult result = runTool(
+            {store.group, "--config-dir", other.path(), "list", "--config-dir", directory.path()});
+        EXPECT_EQ(result.status, 2) << store.group;
+        EXPECT_EQ(result.output, "");
+        EXPECT_TRUE(contains(result.errors, "pallix: --config-dir: is given twice; give it once"))
+            << result.errors;
+    }
+}
+
 TEST_F(StoresSharedToolTest, EveryHelpGivesTheExitStatusesAndEndsWithAnExample) {
     const std::vector<Arguments> commands = {{"notify"},
                                              {"notify", "list"},

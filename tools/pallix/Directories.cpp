@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <map>
 
 namespace pallix::tool {
 
@@ -52,16 +53,33 @@ CLI::Validator DirectoryPath() {
         "");
 }
 
+namespace {
+
+// A group and each of its actions take the same directory option, bound to one string; given to
+// both, the later would silently win, so the second is a usage error.
+void refuseSecondValue(CLI::Option& option, std::string& directory) {
+    static std::map<const std::string*, int> given;
+    option.each([&directory](const std::string&) {
+        if (++given[&directory] > 1) {
+            throw CLI::ValidationError("is given twice; give it once");
+        }
+    });
+}
+
+} // namespace
+
 void addConfigDirectoryOption(CLI::App& command, std::string& directory) {
-    command.add_option("--config-dir", directory, kConfigHelp)
-        ->type_name("DIR")
-        ->check(DirectoryPath());
+    CLI::Option* option = command.add_option("--config-dir", directory, kConfigHelp)
+                              ->type_name("DIR")
+                              ->check(DirectoryPath());
+    refuseSecondValue(*option, directory);
 }
 
 void addResourcesDirectoryOption(CLI::App& command, std::string& directory) {
-    command.add_option("--resources-dir", directory, kResourcesHelp)
-        ->type_name("DIR")
-        ->check(DirectoryPath());
+    CLI::Option* option = command.add_option("--resources-dir", directory, kResourcesHelp)
+                              ->type_name("DIR")
+                              ->check(DirectoryPath());
+    refuseSecondValue(*option, directory);
 }
 
 std::string useConfigDirectory(const std::string& directory) {
