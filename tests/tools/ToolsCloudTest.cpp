@@ -509,6 +509,25 @@ TEST(ToolsCloud, JsonQueryHoldsOnlyWhatWasAsked) {
     EXPECT_EQ(document.at("hash").at("answer").at("hash"), "51025cfd67fbe5ef5242bb4ddb43c48e");
 }
 
+TEST(ToolsCloud, JsonMembersComeInTheOrderTheHelpGives) {
+    const auto result = runTool({"cloud", kSample, "--json", "--hash", "CPID", "--plugin", "17.2",
+                                 "--plugin-process", "DeviceAgentTool"});
+    ASSERT_EQ(result.status, 0) << result.errors;
+    const nlohmann::ordered_json document = nlohmann::ordered_json::parse(result.output);
+    const auto keys = [](const nlohmann::ordered_json& object) {
+        std::vector<std::string> names;
+        for (const auto& member : object.items()) {
+            names.push_back(member.key());
+        }
+        return names;
+    };
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(keys(document.at("hash").at("answer")), (Names{"name", "hash", "url"}));
+    EXPECT_EQ(keys(document.at("plugin").at("answer")), (Names{"version", "hash", "url"}));
+    EXPECT_EQ(keys(document.at("pluginProcess").at("answer")),
+              (Names{"startsWith", "contains", "endsWith", "name"}));
+}
+
 TEST(ToolsCloud, JsonNotFoundExitsWith1AndSaysNothingElse) {
     const auto result = runTool({"cloud", kSample, "--json", "--process", "none"});
     EXPECT_EQ(result.status, 1);

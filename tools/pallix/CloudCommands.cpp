@@ -90,19 +90,19 @@ std::string abbreviated(const std::string& text) {
 }
 
 // The records as JSON, with the names of the library's accessors.
-nlohmann::json toJson(const PRuntimeCloudApplicationHash& entry) {
+nlohmann::ordered_json toJson(const PRuntimeCloudApplicationHash& entry) {
     return {{"name", entry.name().toStdString()},
             {"hash", entry.hash().toStdString()},
             {"url", entry.url().toStdString()}};
 }
 
-nlohmann::json toJson(const PRuntimeCloudDevicePluginsItem& item) {
+nlohmann::ordered_json toJson(const PRuntimeCloudDevicePluginsItem& item) {
     return {{"version", item.version().toStdString()},
             {"hash", item.hash().toStdString()},
             {"url", item.url().toStdString()}};
 }
 
-nlohmann::json toJson(const PRuntimeCloudDeviceProcessItem& rule) {
+nlohmann::ordered_json toJson(const PRuntimeCloudDeviceProcessItem& rule) {
     return {{"startsWith", rule.startsWith().toStdString()},
             {"contains", rule.contains().toStdString()},
             {"endsWith", rule.endsWith().toStdString()},
@@ -131,23 +131,23 @@ using PluginTraversal = void (PRuntimeCloud::*)(
 using RuleTraversal = void (PRuntimeCloud::*)(
     const std::function<void(const PRuntimeCloudDeviceProcessItem&)>&) const;
 
-nlohmann::json pluginsJson(const PRuntimeCloud& cloud, PluginTraversal traverse) {
-    nlohmann::json list = nlohmann::json::array();
+nlohmann::ordered_json pluginsJson(const PRuntimeCloud& cloud, PluginTraversal traverse) {
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
     (cloud.*traverse)([&list](const NString&, const PRuntimeCloudDevicePluginsItem& item) {
         list.push_back(toJson(item));
     });
     return list;
 }
 
-nlohmann::json rulesJson(const PRuntimeCloud& cloud, RuleTraversal traverse) {
-    nlohmann::json list = nlohmann::json::array();
+nlohmann::ordered_json rulesJson(const PRuntimeCloud& cloud, RuleTraversal traverse) {
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
     (cloud.*traverse)(
         [&list](const PRuntimeCloudDeviceProcessItem& rule) { list.push_back(toJson(rule)); });
     return list;
 }
 
 void printOverviewJson(const PRuntimeCloud& cloud) {
-    nlohmann::json hashes = nlohmann::json::array();
+    nlohmann::ordered_json hashes = nlohmann::ordered_json::array();
     cloud.application_hash_traverse(
         [&hashes](const PRuntimeCloudApplicationHash& entry) { hashes.push_back(toJson(entry)); });
     printJson({
@@ -253,7 +253,7 @@ struct Answers {
     bool allFound = true;
     nlohmann::ordered_json document = nlohmann::ordered_json::object();
 
-    void add(const char* key, const std::string& query, const nlohmann::json& answer,
+    void add(const char* key, const std::string& query, const nlohmann::ordered_json& answer,
              const std::string& text, const std::string& missed) {
         allFound = allFound && !answer.is_null();
         if (json) {
@@ -285,7 +285,7 @@ void answerPlugin(Answers& answers, const PRuntimeCloud& cloud, const std::strin
 
 void answerProcess(Answers& answers, const PRuntimeCloud& cloud, const std::string& name,
                    bool plugins) {
-    nlohmann::json rule = nullptr;
+    nlohmann::ordered_json rule = nullptr;
     std::string text;
     const auto record = [&](const PRuntimeCloudDeviceProcessItem& found) {
         rule = toJson(found);
