@@ -99,10 +99,38 @@ TEST_F(ConfigCommandsTest, GetOfANameTheConfigurationDoesNotHoldIsNotFound) {
     EXPECT_EQ(run({"get", "Tools/Cleaner"}).output, "false\n");
     const ToolResult typo = run({"get", "Tools/Claener"});
     EXPECT_EQ(typo.status, 1);
-    EXPECT_TRUE(contains(typo.errors, "did you mean 'Cleaner'?")) << typo.errors;
+    EXPECT_TRUE(contains(typo.errors, "did you mean 'Tools/Cleaner'?")) << typo.errors;
     const ToolResult setting = run({"get", "Status/ITunesAutorn"});
     EXPECT_EQ(setting.status, 1);
-    EXPECT_TRUE(contains(setting.errors, "did you mean 'ITunesAutorun'?")) << setting.errors;
+    EXPECT_TRUE(contains(setting.errors, "did you mean 'Status/ITunesAutorun'?")) << setting.errors;
+}
+
+TEST_F(ConfigCommandsTest, ANameWithoutItsFamilyIsSuggestedWithIt) {
+    for (const auto& [typed, meant] : std::vector<std::pair<std::string, std::string>>{
+             {"ITunesAutorun", "Status/ITunesAutorun"},
+             {"RESTORE_FACTRY", "Status/RESTORE_FACTORY"}}) {
+        const ToolResult result = run({"get", typed});
+        EXPECT_EQ(result.status, 2) << typed;
+        EXPECT_TRUE(contains(result.errors, "did you mean '" + meant + "'?")) << result.errors;
+    }
+}
+
+TEST_F(ConfigCommandsTest, ANewSettingWithinATypoOfAKnownOneIsRefused) {
+    ToolResult result = run({"set", "Status/ITunesAutorn", "false"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "");
+    EXPECT_TRUE(contains(result.errors, "pallix: 'ITunesAutorn' is not a setting that the "
+                                        "application knows; did you mean "
+                                        "'Status/ITunesAutorun'?"))
+        << result.errors;
+    EXPECT_FALSE(exists(currentFile()));
+    // A name unlike any known one is a setting of its own.
+    result = run({"set", "Status/MyOwnFlag", "true"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "Status/MyOwnFlag: true (new)\n");
+    EXPECT_TRUE(contains(result.errors, "is not a setting that the application knows; it is kept "
+                                        "beside them"))
+        << result.errors;
 }
 
 TEST_F(ConfigCommandsTest, SetChangesAPreferenceAndSavesIt) {

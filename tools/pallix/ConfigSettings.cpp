@@ -231,8 +231,16 @@ Key parseKey(const std::string& text) {
             names.push_back(scalar.name);
         }
         if (key.scalar == nullptr) {
+            // A known name of a family, typed without its family, is suggested with it.
+            std::string suggestion = closestMatch(text, names);
+            for (const Family& family : families()) {
+                if (const std::string known = closestMatch(text, family.known);
+                    suggestion.empty() && !known.empty()) {
+                    suggestion = family.name + std::string("/") + known;
+                }
+            }
             failUsage("unknown key '" + text + "': a key is " + keysHelp() +
-                      didYouMean(text, names));
+                      (suggestion.empty() ? "" : "; did you mean '" + suggestion + "'?"));
         }
         return key;
     }
@@ -284,8 +292,11 @@ void get(const ConfigOptions& options, const std::string& text) {
             names.push_back(entry.first);
         }
         names.insert(names.end(), key.family->known.begin(), key.family->known.end());
+        const std::string closest = closestMatch(key.name, names);
         failNotFound(text + ": not found; the configuration holds no such name" +
-                     didYouMean(key.name, names));
+                     (closest.empty() ? ""
+                                      : "; did you mean '" + std::string(key.family->name) + "/" +
+                                            closest + "'?"));
     }
     printAnswer(options.json, {{"key", text}, {"value", *value}}, plainText(*value));
 }
@@ -310,6 +321,14 @@ void set(const ConfigOptions& options, const std::string& text, const std::strin
         std::cout << text << ": already " << plainText(value) << "; nothing changed\n";
         return;
     }
+    // Any name is stored, but a new one within a typo of a name that the application knows is
+    // taken for that one rather than written beside it.
+    if (!was && key.family != nullptr) {
+        if (const std::string meant = closestMatch(key.name, key.family->known); !meant.empty()) {
+            failUsage("'" + key.name + "' is not a setting that the application knows; did you " +
+                      "mean '" + key.family->name + "/" + meant + "'?");
+        }
+    }
     if (key.scalar != nullptr) {
         key.scalar->set(session.config(), value);
     } else {
@@ -324,11 +343,10 @@ void set(const ConfigOptions& options, const std::string& text, const std::strin
         reportNote("'" + plainText(value) + "' is stored, and the application reads it as '" +
                    plainText(now) + "'");
     }
-    // Any name is stored, but a new one beside the names that the application knows is more
-    // likely a mistyped one.
     if (!was && !key.family->known.empty()) {
-        reportNote("'" + key.name + "' is not a setting that the application knows" +
-                   didYouMean(key.name, key.family->known));
+        reportNote("'" + key.name +
+                   "' is not a setting that the application knows; it is kept "
+                   "beside them");
     }
 }
 
