@@ -241,6 +241,16 @@ TEST_F(StoresSharedToolTest, WhatTheStoreReadsOtherwiseIsNotWrittenBackUnlessFor
     }
 }
 
+TEST_F(StoresSharedToolTest, PairsAreSaidAsTheListingShowsThem) {
+    ToolResult result =
+        runTool({"portbind", "add", "usb\tone", "tcp:1", "--config-dir", directory.path()});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "bound usb\\tone to tcp:1\n");
+    result = runTool({"portbind", "remove", "usb\tone", "--config-dir", directory.path()});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "unbound usb\\tone\n");
+}
+
 TEST_F(StoresSharedToolTest, SomethingThatIsNotAFileIsNeverReplacedEvenWhenForced) {
     for (const Store& store : stores()) {
         const std::string path = directory.file(store.file);

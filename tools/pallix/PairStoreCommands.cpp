@@ -120,7 +120,7 @@ template <typename Store> void find(const PairWords& words, const PairOptions& o
     Store store;
     const std::optional<std::string> value = valueOf(store, options.key);
     if (!value) {
-        failNotFound(options.key + words.unmatched);
+        failNotFound(escapeField(options.key) + words.unmatched);
     }
     printAnswer(options.json, {{words.key, options.key}, {words.value, *value}},
                 escapeField(*value));
@@ -132,14 +132,16 @@ template <typename Store> void add(const PairWords& words, const PairOptions& op
     session.guard(words.kind, options.force);
     Store store;
     const std::optional<std::string> earlier = valueOf(store, options.key);
+    // Said as the listing shows them, so that a tab or a line break in them stays visible.
+    const std::string key = escapeField(options.key);
     if (earlier == value) {
-        reportNote(options.key + " is already " + words.verb + " to " + value + "; unchanged");
+        reportNote(key + " is already " + words.verb + " to " + escapeField(value) + "; unchanged");
         return;
     }
     store.append(NString(options.key), NString(value));
     session.requireWritten();
-    std::cout << (earlier ? "re" : "") << words.verb << ' ' << options.key << " to " << value
-              << (earlier ? " (was " + *earlier + ")" : "") << '\n';
+    std::cout << (earlier ? "re" : "") << words.verb << ' ' << key << " to " << escapeField(value)
+              << (earlier ? " (was " + escapeField(*earlier) + ")" : "") << '\n';
 }
 
 template <typename Store> void remove(const PairWords& words, const PairOptions& options) {
@@ -148,11 +150,11 @@ template <typename Store> void remove(const PairWords& words, const PairOptions&
     session.guard(words.kind, options.force);
     Store store;
     if (!valueOf(store, options.key)) {
-        failNotFound(options.key + words.unmatched);
+        failNotFound(escapeField(options.key) + words.unmatched);
     }
     store.remove(NString(options.key));
     session.requireWritten();
-    std::cout << words.removed << options.key << '\n';
+    std::cout << words.removed << escapeField(options.key) << '\n';
 }
 
 template <typename Store> void registerPairStore(CLI::App& app, const PairWords& words) {
