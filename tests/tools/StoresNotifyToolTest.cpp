@@ -315,6 +315,17 @@ TEST_F(StoreToolTest, NotifyDoesNotImportWhatTheImportWouldLoseUnlessForced) {
     }
 }
 
+TEST_F(StoreToolTest, NotifyImportsWhenTheDirectoryIsGivenWithATrailingSlash) {
+    const std::string old = directory.file("Notify");
+    ASSERT_EQ(::mkdir(old.c_str(), 0755), 0);
+    TemporaryDirectory::write(old + "/41.xml",
+                              "<ROOT><ID VALUE=\"41\"/><Title VALUE=\"old\"/></ROOT>");
+    const ToolResult listed = runTool({"notify", "list", "--config-dir", directory.path() + "/"});
+    EXPECT_EQ(listed.status, 0) << listed.errors;
+    EXPECT_EQ(listed.output, "41\t0\t0\t-\told\t\n");
+    EXPECT_FALSE(exists(old));
+}
+
 TEST_F(StoreToolTest, NotifyDoesNotImportTheOldDirectoryIntoWhatCannotBeReplaced) {
     // The library deletes the old directory whether or not the import could be written.
     const std::string old = directory.file("Notify");

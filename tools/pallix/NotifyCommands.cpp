@@ -62,10 +62,11 @@ bool sameItem(const PRuntimeNotifyItem& a, const PRuntimeNotifyItem& b) {
 // read, since the directory goes whole; what it reads otherwise than written; and, when it brings
 // a notification, the current file's, which it replaces. Each is a path and why.
 std::vector<std::string> importLosses(const StoreChange& session, const std::string& old) {
-    std::set<std::string> notifications;
+    // By name: the directory may be spelled with a trailing '/', which the listing drops.
+    std::set<std::filesystem::path> notifications;
     for (const check::DirectoryFile& file : check::configDirectoryFiles(session.directory())) {
         if (file.kind == check::FileKind::OldNotify) {
-            notifications.insert(file.path);
+            notifications.insert(std::filesystem::path(file.path).filename());
         }
     }
     std::vector<std::string> losses;
@@ -79,16 +80,16 @@ std::vector<std::string> importLosses(const StoreChange& session, const std::str
     }
     bool brings = false;
     for (const std::filesystem::path& entry : entries) {
-        if (notifications.count(entry.string()) == 0) {
+        if (notifications.count(entry.filename()) == 0) {
             losses.push_back(entry.string() +
                              ": is no notification the import reads, and goes with the directory");
             continue;
         }
         check::SourceFile file(entry.string());
         brings = brings || (file.parseXml() && file.document().child(format::notify::kOldRoot));
-        if (std::string error = firstError(entry.string(), check::FileKind::OldNotify);
-            !error.empty()) {
-            losses.push_back(std::move(error));
+        if (std::string problem = firstError(entry.string(), check::FileKind::OldNotify);
+            !problem.empty()) {
+            losses.push_back(std::move(problem));
         }
     }
     check::SourceFile current(session.file());
