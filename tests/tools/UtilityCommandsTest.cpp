@@ -297,32 +297,34 @@ TEST(ToolDate, RefusesInstantsOutsideTheHelpersRange) {
     }
 }
 
-TEST(ToolDate, DayThatBeganBeforeTheEpoch) {
-    // The epoch is 1969-12-31 19:00 in New York: that day began before the helpers' range.
-    ToolResult result = runInZone({"date", "0"}, "America/New_York");
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "date: 1969-12-31\nday starts at: none that the date helpers can "
-                             "count (the day began before 0, 1970-01-01 00:00 UTC)\n");
-    result = runInZone({"date", "0", "--json"}, "America/New_York");
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "{\n  \"seconds\": 0,\n  \"date\": \"1969-12-31\",\n"
-                             "  \"dayStart\": null\n}\n");
-}
-
-TEST(ToolDate, TheEpochsDayStartsAtZeroEastOfUtc) {
-    // Local midnight of 1970-01-01 in Shanghai was before the epoch; the helpers take 0.
-    const ToolResult result = runInZone({"date", "0", "--json"}, "Asia/Shanghai");
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "{\n  \"seconds\": 0,\n  \"date\": \"1970-01-01\",\n"
-                             "  \"dayStart\": 0\n}\n");
-}
-
-TEST(ToolDate, ADayWhoseMidnightIsSkipped) {
-    // Sao Paulo moved its clocks from 00:00 to 01:00 on 2018-11-04: that day had no midnight.
-    const ToolResult result = runInZone({"date", "1541340000"}, "America/Sao_Paulo");
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(result.output, "date: 2018-11-04\nday starts at: none that the date helpers can "
-                             "count (a clock change skips the day's midnight)\n");
+TEST(ToolDate, DayStartsTheHelpersCannotCount) {
+    struct Case {
+        const char* zone;
+        const char* seconds;
+        const char* output;
+    };
+    const Case cases[] = {
+        // The epoch is 1969-12-31 19:00 in New York: that day began before the helpers' range.
+        {"America/New_York", "0",
+         "date: 1969-12-31\nday starts at: none that the date helpers can count (the day began "
+         "before 0, 1970-01-01 00:00 UTC)\n"},
+        // Sao Paulo moved its clocks from 00:00 to 01:00 on 2018-11-04: no midnight that day.
+        {"America/Sao_Paulo", "1541340000",
+         "date: 2018-11-04\nday starts at: none that the date helpers can count (a clock change "
+         "skips the day's midnight)\n"},
+    };
+    for (const Case& day : cases) {
+        ToolResult result = runInZone({"date", day.seconds}, day.zone);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_EQ(result.output, day.output);
+        result = runInZone({"date", day.seconds, "--json"}, day.zone);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_TRUE(result.output.find("\"dayStart\": null") != std::string::npos) << result.output;
+    }
+    // Local midnight of 1970-01-01 in Shanghai was before the epoch too; the helpers take 0.
+    const ToolResult east = runInZone({"date", "0", "--json"}, "Asia/Shanghai");
+    EXPECT_EQ(east.output, "{\n  \"seconds\": 0,\n  \"date\": \"1970-01-01\",\n"
+                           "  \"dayStart\": 0\n}\n");
 }
 
 TEST(ToolDate, Json) {
