@@ -112,7 +112,6 @@ ConfigSession::ConfigSession(const ConfigOptions& options, bool changes) {
                    " and removing it, as the application does at start-up");
     } else if (changes) {
         guardFile(current, check::FileKind::Config, options.force);
-        guardRewrite(current, check::FileKind::Config, options.force);
     } else if (const std::string problem = fileProblem(current, check::FileKind::Config);
                !problem.empty()) {
         // Nothing is written, but what start-up makes of a file it cannot read is not what the

@@ -16,27 +16,9 @@
 
 namespace pallix::tool {
 
-void guardFile(const std::string& path, check::FileKind kind, bool force) {
-    using Cause = check::ReadingProblem::Cause;
-    const std::optional<check::ReadingProblem> problem = check::readingProblem(path, kind);
-    if (!problem || problem->cause == Cause::Missing) {
-        return;
-    }
-    if (problem->cause == Cause::NotRegular) {
-        failUnreadable(path + ": is not a regular file; not replacing it");
-    }
-    if (force) {
-        reportWarning(path + ": " + problem->message + "; replacing it, as --force asks");
-        return;
-    }
-    failUnreadable(path + ": " + problem->message + "; not changing it (run 'pallix check " + path +
-                   "' to see why, or pass --force to replace it)");
-}
-
-std::string firstError(const std::string& path, check::FileKind kind) {
-    check::SourceFile file(path);
+std::string firstError(check::SourceFile& file, check::FileKind kind) {
     if (!file.readable()) {
-        return path + ": " + file.problem();
+        return file.path() + ": " + file.problem();
     }
     check::checkFile(file, kind);
     const auto isError = [](const check::Finding& f) {
@@ -48,16 +30,34 @@ std::string firstError(const std::string& path, check::FileKind kind) {
         return "";
     }
     const auto errors = std::count_if(findings.begin(), findings.end(), isError);
-    return path + ":" + std::to_string(first->line) + ":" + std::to_string(first->column) + ": " +
-           escapeField(first->message) +
+    return file.path() + ":" + std::to_string(first->line) + ":" + std::to_string(first->column) +
+           ": " + escapeField(first->message) +
            (errors > 1 ? " (and " + std::to_string(errors - 1) + " more)" : "");
 }
 
-void guardRewrite(const std::string& path, check::FileKind kind, bool force) {
-    std::error_code ignored;
-    if (!std::filesystem::exists(path, ignored)) {
+std::string firstError(const std::string& path, check::FileKind kind) {
+    check::SourceFile file(path);
+    return firstError(file, kind);
+}
+
+void guardFile(const std::string& path, check::FileKind kind, bool force) {
+    using Cause = check::ReadingProblem::Cause;
+    const std::optional<check::ReadingProblem> problem = check::readingProblem(path, kind);
+    if (problem && problem->cause == Cause::Missing) {
         return;
     }
+    if (problem && problem->cause == Cause::NotRegular) {
+        failUnreadable(path + ": is not a regular file; not replacing it");
+    }
+    if (problem) {
+        if (force) {
+            reportWarning(path + ": " + problem->message + "; replacing it, as --force asks");
+            return;
+        }
+        failUnreadable(path + ": " + problem->message + "; not changing it (run 'pallix check " +
+                       path + "' to see why, or pass --force to replace it)");
+    }
+    // Read, but perhaps otherwise than written: the change would write back what was read.
     const std::string error = firstError(path, kind);
     if (error.empty()) {
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FileKind.h"
+#include "SourceFile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -9,22 +10,21 @@
 
 namespace pallix::tool {
 
-// The library reads a file it cannot use as if it were empty, and its next save replaces it.
-// Before a change, the tool makes sure that the file is either absent or one the library reads
-// as the expected kind; otherwise it fails (status 2) naming the file and "pallix check", and
-// nothing is written. With `force` it goes on, with a warning: the user asked for a fresh file.
-// Something other than a regular file is never replaced, forced or not.
+// The library reads a file it cannot use as if it were empty, and its next save replaces it;
+// what it reads otherwise than written (an error of "pallix check": a value read as empty, an
+// entry dropped) it writes back as read. Before a change, the tool makes sure that the file is
+// either absent or one the library reads as the expected kind and as written; otherwise it fails
+// (status 2) naming the file (or the first error) and "pallix check", and nothing is written.
+// With `force` it goes on, with a warning: the user asked for it. Something other than a
+// regular file is never replaced, forced or not.
 void guardFile(const std::string& path, check::FileKind kind, bool force);
 
 // "PATH:LINE:COLUMN: MESSAGE" of the first error that "pallix check" finds in the file as
 // `kind` (what the library reads otherwise than written, or not at all), with how many more;
 // "PATH: PROBLEM" when it cannot be read; empty when there is no error.
 std::string firstError(const std::string& path, check::FileKind kind);
-
-// Before a change of a store or the configuration: the library writes back what it read, so
-// what it read otherwise than the file says would be lost. Fails (status 2) with firstError()
-// unless `force`, which warns instead.
-void guardRewrite(const std::string& path, check::FileKind kind, bool force);
+// The same of a file already read, which is left checked.
+std::string firstError(check::SourceFile& file, check::FileKind kind);
 
 // Before the library imports an older file or directory `old` of the configuration directory
 // `directory`, which it deletes afterwards: fails (status 2) naming the first of `losses` (each

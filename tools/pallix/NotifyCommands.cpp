@@ -86,11 +86,10 @@ std::vector<std::string> importLosses(const StoreChange& session, const std::str
             continue;
         }
         check::SourceFile file(entry.string());
-        brings = brings || (file.parseXml() && file.document().child(format::notify::kOldRoot));
-        if (std::string problem = firstError(entry.string(), check::FileKind::OldNotify);
-            !problem.empty()) {
+        if (std::string problem = firstError(file, check::FileKind::OldNotify); !problem.empty()) {
             losses.push_back(std::move(problem));
         }
+        brings = brings || (file.wellFormed() && file.document().child(format::notify::kOldRoot));
     }
     check::SourceFile current(session.file());
     if (brings && !current.text().empty() &&

@@ -39,7 +39,6 @@ StoreChange::StoreChange(const std::string& directoryOption, const std::string& 
 
 void StoreChange::guard(check::FileKind kind, bool force) const {
     guardFile(m_file, kind, force);
-    guardRewrite(m_file, kind, force);
 }
 
 void StoreChange::requireWritten() const {

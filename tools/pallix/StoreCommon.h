@@ -33,8 +33,8 @@ public:
     // Whether the file was there when the change began.
     bool existed() const { return m_existed; }
 
-    // Refuses to let the library replace a file it cannot read (guardFile), or one whose
-    // content it would write back otherwise than it stands (guardRewrite).
+    // Refuses to let the library replace a file it cannot read, or one whose content it would
+    // write back otherwise than it stands (guardFile).
     void guard(check::FileKind kind, bool force) const;
     // Fails (status 1) when the library's last write did not reach the disk.
     void requireWritten() const;
