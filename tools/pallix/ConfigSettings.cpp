@@ -232,15 +232,14 @@ Key parseKey(const std::string& text) {
         }
         if (key.scalar == nullptr) {
             // A known name of a family, typed without its family, is suggested with it.
-            std::string suggestion = closestMatch(text, names);
+            std::string meant = closestMatch(text, names);
             for (const Family& family : families()) {
                 if (const std::string known = closestMatch(text, family.known);
-                    suggestion.empty() && !known.empty()) {
-                    suggestion = family.name + std::string("/") + known;
+                    meant.empty() && !known.empty()) {
+                    meant = family.name + std::string("/") + known;
                 }
             }
-            failUsage("unknown key '" + text + "': a key is " + keysHelp() +
-                      (suggestion.empty() ? "" : "; did you mean '" + suggestion + "'?"));
+            failUsage("unknown key '" + text + "': a key is " + keysHelp() + didYouMean(meant));
         }
         return key;
     }
@@ -294,9 +293,7 @@ void get(const ConfigOptions& options, const std::string& text) {
         names.insert(names.end(), key.family->known.begin(), key.family->known.end());
         const std::string closest = closestMatch(key.name, names);
         failNotFound(text + ": not found; the configuration holds no such name" +
-                     (closest.empty() ? ""
-                                      : "; did you mean '" + std::string(key.family->name) + "/" +
-                                            closest + "'?"));
+                     didYouMean(closest.empty() ? "" : key.family->name + ("/" + closest)));
     }
     printAnswer(options.json, {{"key", text}, {"value", *value}}, plainText(*value));
 }
@@ -325,8 +322,8 @@ void set(const ConfigOptions& options, const std::string& text, const std::strin
     // taken for that one rather than written beside it.
     if (!was && key.family != nullptr) {
         if (const std::string meant = closestMatch(key.name, key.family->known); !meant.empty()) {
-            failUsage("'" + key.name + "' is not a setting that the application knows; did you " +
-                      "mean '" + key.family->name + "/" + meant + "'?");
+            failUsage("'" + key.name + "' is not a setting that the application knows" +
+                      didYouMean(key.family->name + ("/" + meant)));
         }
     }
     if (key.scalar != nullptr) {

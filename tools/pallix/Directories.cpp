@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "FileNames.h"
+#include "Values.h"
 
 #include "NApplication.h"
 
@@ -44,13 +45,7 @@ void requireDirectory(const std::string& directory, const char* what) {
 }
 
 CLI::Validator DirectoryPath() {
-    return CLI::Validator(
-        [](const std::string& path) {
-            return path.empty() ? std::string("the path is empty (leave the option out for the "
-                                              "default directory)")
-                                : std::string();
-        },
-        "");
+    return NonEmptyPath("leave the option out for the default directory");
 }
 
 namespace {

@@ -57,8 +57,11 @@ std::string closestMatch(const std::string& word, const std::vector<std::string>
 }
 
 std::string didYouMean(const std::string& word, const std::vector<std::string>& candidates) {
-    const std::string match = closestMatch(word, candidates);
-    return match.empty() ? std::string() : "; did you mean '" + match + "'?";
+    return didYouMean(closestMatch(word, candidates));
+}
+
+std::string didYouMean(const std::string& meant) {
+    return meant.empty() ? std::string() : "; did you mean '" + meant + "'?";
 }
 
 } // namespace pallix::tool

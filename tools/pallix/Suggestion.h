@@ -11,5 +11,7 @@ std::string closestMatch(const std::string& word, const std::vector<std::string>
 
 // "; did you mean 'X'?" for the closest candidate, or nothing.
 std::string didYouMean(const std::string& word, const std::vector<std::string>& candidates);
+// "; did you mean 'MEANT'?", or nothing when `meant` is empty.
+std::string didYouMean(const std::string& meant);
 
 } // namespace pallix::tool

@@ -127,12 +127,10 @@ CLI::Validator XmlText() {
         "");
 }
 
-CLI::Validator NonEmptyPath() {
+CLI::Validator NonEmptyPath(const std::string& hint) {
+    const std::string refusal = "the path is empty" + (hint.empty() ? "" : " (" + hint + ")");
     return CLI::Validator(
-        [](const std::string& path) {
-            return path.empty() ? std::string("the path is empty") : std::string();
-        },
-        "");
+        [refusal](const std::string& path) { return path.empty() ? refusal : std::string(); }, "");
 }
 
 } // namespace pallix::tool

@@ -33,7 +33,7 @@ CLI::Validator IntegerIn(long long minimum, long long maximum, const std::string
 CLI::Validator UnsignedUpTo(unsigned long long maximum, const std::string& why = "");
 CLI::Validator XmlText();
 // Refuses an empty path, which an unset variable in a script gives and which would otherwise
-// read as the option left out.
-CLI::Validator NonEmptyPath();
+// read as the option left out; `hint` ends the message, in parentheses.
+CLI::Validator NonEmptyPath(const std::string& hint = "");
 
 } // namespace pallix::tool
