@@ -11,6 +11,7 @@
 
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,12 @@ protected:
         return runTool(arguments);
     }
     std::string notifyFile() const { return directory.file("notify.xml"); }
+    // The old layout: one file per notification in this directory.
+    std::string oldDirectory() const { return directory.file("Notify"); }
+    void writeOld(const std::string& name, const std::string& text) const {
+        std::filesystem::create_directories(oldDirectory());
+        TemporaryDirectory::write(oldDirectory() + "/" + name, text);
+    }
     std::string bindFile() const { return directory.file("PortBind.xml"); }
 
     TemporaryDirectory directory{"pallix-tool-stores"};
@@ -248,10 +255,9 @@ TEST_F(StoreToolTest, NotifyNeverReplacesSomethingThatIsNotAFile) {
 }
 
 TEST_F(StoreToolTest, NotifyListImportsTheOldDirectoryAndKeepsItsNotifications) {
-    const std::string old = directory.file("Notify");
-    ASSERT_EQ(::mkdir(old.c_str(), 0755), 0);
-    TemporaryDirectory::write(old + "/41.xml", "<ROOT><ID VALUE=\"41\"/><Title VALUE=\"old one\"/>"
-                                               "<Time VALUE=\"5\"/><UserID VALUE=\"2\"/></ROOT>");
+    const std::string old = oldDirectory();
+    writeOld("41.xml", "<ROOT><ID VALUE=\"41\"/><Title VALUE=\"old one\"/>"
+                       "<Time VALUE=\"5\"/><UserID VALUE=\"2\"/></ROOT>");
     const ToolResult listed = notify({"list"});
     EXPECT_EQ(listed.status, 0) << listed.errors;
     EXPECT_EQ(listed.output, "41\t2\t5\t-\told one\t\n");
@@ -267,7 +273,7 @@ TEST_F(StoreToolTest, NotifyListImportsTheOldDirectoryAndKeepsItsNotifications) 
 TEST_F(StoreToolTest, NotifyDoesNotImportWhatTheImportWouldLoseUnlessForced) {
     // The library deletes the old directory whole and replaces the current file with what it
     // imported: each of these would be lost.
-    const std::string old = directory.file("Notify");
+    const std::string old = oldDirectory();
     const std::string good = "<ROOT><ID VALUE=\"41\"/><Title VALUE=\"old one\"/></ROOT>";
     struct Case {
         std::string name;
@@ -286,10 +292,9 @@ TEST_F(StoreToolTest, NotifyDoesNotImportWhatTheImportWouldLoseUnlessForced) {
         if (lossy.name.empty()) {
             ASSERT_EQ(notify({"add", "7", "--title", "current"}).status, 0);
         }
-        ASSERT_EQ(::mkdir(old.c_str(), 0755), 0);
-        TemporaryDirectory::write(old + "/41.xml", good);
+        writeOld("41.xml", good);
         if (!lossy.name.empty()) {
-            TemporaryDirectory::write(old + "/" + lossy.name, lossy.text);
+            writeOld(lossy.name, lossy.text);
         }
         const std::string before =
             exists(notifyFile()) ? TemporaryDirectory::read(notifyFile()) : "";
@@ -316,10 +321,8 @@ TEST_F(StoreToolTest, NotifyDoesNotImportWhatTheImportWouldLoseUnlessForced) {
 }
 
 TEST_F(StoreToolTest, NotifyImportsWhenTheDirectoryIsGivenWithATrailingSlash) {
-    const std::string old = directory.file("Notify");
-    ASSERT_EQ(::mkdir(old.c_str(), 0755), 0);
-    TemporaryDirectory::write(old + "/41.xml",
-                              "<ROOT><ID VALUE=\"41\"/><Title VALUE=\"old\"/></ROOT>");
+    const std::string old = oldDirectory();
+    writeOld("41.xml", "<ROOT><ID VALUE=\"41\"/><Title VALUE=\"old\"/></ROOT>");
     const ToolResult listed = runTool({"notify", "list", "--config-dir", directory.path() + "/"});
     EXPECT_EQ(listed.status, 0) << listed.errors;
     EXPECT_EQ(listed.output, "41\t0\t0\t-\told\t\n");
@@ -328,10 +331,8 @@ TEST_F(StoreToolTest, NotifyImportsWhenTheDirectoryIsGivenWithATrailingSlash) {
 
 TEST_F(StoreToolTest, NotifyDoesNotImportTheOldDirectoryIntoWhatCannotBeReplaced) {
     // The library deletes the old directory whether or not the import could be written.
-    const std::string old = directory.file("Notify");
-    ASSERT_EQ(::mkdir(old.c_str(), 0755), 0);
-    TemporaryDirectory::write(old + "/42.xml",
-                              "<ROOT><ID VALUE=\"42\"/><Title VALUE=\"kept\"/></ROOT>");
+    const std::string old = oldDirectory();
+    writeOld("42.xml", "<ROOT><ID VALUE=\"42\"/><Title VALUE=\"kept\"/></ROOT>");
     ASSERT_EQ(::mkdir(notifyFile().c_str(), 0755), 0);
     for (const std::vector<std::string>& command :
          {std::vector<std::string>{"list"}, std::vector<std::string>{"add", "7"}}) {
@@ -347,7 +348,7 @@ TEST_F(StoreToolTest, NotifyDoesNotImportTheOldDirectoryIntoWhatCannotBeReplaced
 
 TEST_F(StoreToolTest, NotifyReadsTheCurrentFileWhenTheOldDirectoryHeldNothing) {
     ASSERT_EQ(notify({"add", "1", "--title", "current"}).status, 0);
-    const std::string old = directory.file("Notify");
+    const std::string old = oldDirectory();
     ASSERT_EQ(::mkdir(old.c_str(), 0755), 0);
     const ToolResult added = notify({"add", "2", "--title", "new"});
     EXPECT_EQ(added.status, 0) << added.errors;
